@@ -1,0 +1,22 @@
+#include "cli/platform_cli.h"
+
+#include <cstdio>
+
+#include "shell/platform.h"
+#include "shell/texts.h"
+
+DriverPlatformRecord DriverPlatform;
+
+void RequestRepaint() {
+  DriverPlatform.RepaintRequested = true;
+}
+
+void EndMessageLoop(int32_t) {
+  DriverPlatform.LoopEnded = true;
+}
+
+// Messages go to standard error, so that standard output stays the script's own answers.
+int32_t AskUser(const char* text, const char* title, uint32_t flags) {
+  std::fprintf(stderr, "%s: %s\n", ToUtf8(title).c_str(), ToUtf8(text).c_str());
+  return (flags & 0x0F) == kAskYesNo ? kAnswerYes : kAnswerOk;
+}

@@ -1,0 +1,24 @@
+#include "shell/process_state.h"
+
+#include <cstring>
+
+#include "opponents/openings.h"
+#include "opponents/referee.h"
+#include "opponents/turn.h"
+#include "shell/random.h"
+#include "shell/savefile.h"
+#include "shell/session.h"
+#include "shell/turnflow.h"
+
+void ResetProcessState() {
+  EndEngineGame();
+  ResetSessionState();
+  ResetTurnFlow();
+  GridClear();
+  std::memset(RunNeeded, 0, sizeof RunNeeded);
+  std::memset(StatsTable, 0, sizeof StatsTable);
+  std::memset(SettingsBlock, 0, sizeof SettingsBlock);
+  std::memset(&Turn, 0, sizeof Turn);
+  PlannedColumn = 0;
+  std::memset(TextBuffer, 0, sizeof TextBuffer);
+}

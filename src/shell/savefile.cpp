@@ -1,0 +1,191 @@
+#include "shell/savefile.h"
+
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <string>
+
+#include "engine/engine.h"
+#include "opponents/referee.h"
+#include "shell/platform.h"
+#include "shell/session.h"
+#include "shell/texts.h"
+
+int32_t SettingsBlock[kSettingsSlots];
+StatsRecord StatsTable[kStatsRecords];
+
+namespace {
+
+bool EngineReady = false;
+
+constexpr auto kWriteFailure = Cp1252(
+    "Impossible d'écrire le fichier de sauvegarde.\nCelui-ci pourrait être déjà utilisé par "
+    "quelqu'un d'autre, interdit ou tout simplement faux.\nEssayez de le supprimer.");
+constexpr auto kWriteFailureTitle = Cp1252("Déception");
+
+// The persisted fields in slot order.
+int32_t* SlotField(int32_t slot) {
+  SessionRecord& s = SessionState;
+  int32_t* fields[] = {&s.BoardSize,   &s.ShowImages,    &s.Smoothing,   &s.Level,
+                       &s.GameMode,    &s.CustomColours, &s.AiNumber,    &s.Challenge,
+                       &s.CharacterId, &s.NormalTitle,   &s.AlwaysSquare};
+  return fields[slot];
+}
+
+// The content as bytes, little-endian, in file order.
+void PackContent(uint8_t* out) {
+  for (int32_t k = 0; k < kSettingsSlots; ++k) {
+    const uint32_t v = static_cast<uint32_t>(SettingsBlock[k]);
+    for (int32_t b = 0; b < 4; ++b) *out++ = static_cast<uint8_t>(v >> (8 * b));
+  }
+  for (const StatsRecord& r : StatsTable) {
+    const uint16_t counters[6] = {r.Played, r.Won, r.Lost, r.Unused[0], r.Unused[1], r.Unused[2]};
+    for (uint16_t c : counters) {
+      *out++ = static_cast<uint8_t>(c);
+      *out++ = static_cast<uint8_t>(c >> 8);
+    }
+  }
+  std::memcpy(out, SessionState.PlayerName, kPlayerNameBytes);
+}
+
+// Takes the whole content image into the blocks.
+void UnpackContent(const uint8_t* in) {
+  for (int32_t k = 0; k < kSettingsSlots; ++k, in += 4) {
+    SettingsBlock[k] =
+        static_cast<int32_t>(in[0] | in[1] << 8 | in[2] << 16 | static_cast<uint32_t>(in[3]) << 24);
+  }
+  for (StatsRecord& r : StatsTable) {
+    uint16_t* counters[6] = {&r.Played, &r.Won, &r.Lost, &r.Unused[0], &r.Unused[1], &r.Unused[2]};
+    for (uint16_t* c : counters) {
+      *c = static_cast<uint16_t>(in[0] | in[1] << 8);
+      in += 2;
+    }
+  }
+  std::memcpy(SessionState.PlayerName, in, kPlayerNameBytes);
+}
+
+// Stored text stream to content: each 0x0D 0x0A pair is one 0x0A; every other byte, 0x0D and
+// 0x1A included, is content. Fills at most `capacity` bytes and returns how many.
+int32_t DecodeLineEnds(const uint8_t* raw, size_t rawCount, uint8_t* content, int32_t capacity) {
+  int32_t n = 0;
+  for (size_t i = 0; i < rawCount && n < capacity; ++i) {
+    if (raw[i] == 0x0D && i + 1 < rawCount && raw[i + 1] == 0x0A) ++i;
+    content[n++] = raw[i];
+  }
+  return n;
+}
+
+void TellWriteFailure() {
+  AskUser(kWriteFailure, kWriteFailureTitle, kAskOk | kAskExclamation);
+}
+
+}  // namespace
+
+int32_t StatsSection() {
+  const SessionRecord& s = SessionState;
+  return 4 * s.AiNumber + s.Level + s.Challenge + 56 * (s.GameMode - 1);
+}
+
+StatsRecord* StatsRecordAt(int32_t section) {
+  return section >= 0 && section < kStatsRecords ? &StatsTable[section] : nullptr;
+}
+
+void ClampStoredSettings() {
+  SessionRecord& s = SessionState;
+  const SessionRecord initial;
+  auto keepIn = [](int32_t& field, int32_t low, int32_t high, int32_t fallback) {
+    if (field < low || field > high) field = fallback;
+  };
+  keepIn(s.BoardSize, 2, 20, initial.BoardSize);
+  keepIn(s.ShowImages, 0, 1, initial.ShowImages);
+  keepIn(s.Smoothing, 0, 1, initial.Smoothing);
+  keepIn(s.Level, 0, 2, initial.Level);
+  keepIn(s.GameMode, 1, 2, initial.GameMode);
+  keepIn(s.CustomColours, 0, 1, initial.CustomColours);
+  keepIn(s.AiNumber, 0, 13, initial.AiNumber);
+  keepIn(s.Challenge, 0, 1, initial.Challenge);
+  keepIn(s.CharacterId, 0, 13, initial.CharacterId);
+  keepIn(s.NormalTitle, 0, 1, initial.NormalTitle);
+  keepIn(s.AlwaysSquare, 0, 1, initial.AlwaysSquare);
+  s.PlayerName[kPlayerNameBytes] = 0;
+}
+
+void LoadSaveFile(const char* path) {
+  std::memset(StatsTable, 0, sizeof StatsTable);
+  std::memset(SessionState.PlayerName, 0, sizeof SessionState.PlayerName);
+  std::strcpy(SessionState.PlayerName, "<Votre nom>");
+  std::memset(SettingsBlock, 0, sizeof SettingsBlock);
+  SettingsBlock[kAlwaysSquareSlot] = 1;
+
+  std::FILE* file = std::fopen(path, "rb");
+  if (file == nullptr) return;
+  // The content never takes more than twice its size on disk; anything beyond is not read.
+  uint8_t raw[2 * kSaveContentBytes];
+  const size_t rawCount = std::fread(raw, 1, sizeof raw, file);
+  std::fclose(file);
+  // A short file overwrites only the bytes it holds; the rest keep their presets.
+  uint8_t content[kSaveContentBytes];
+  PackContent(content);
+  DecodeLineEnds(raw, rawCount, content, kSaveContentBytes);
+  UnpackContent(content);
+
+  for (int32_t slot = 0; slot < kAlwaysSquareSlot; ++slot) *SlotField(slot) = SettingsBlock[slot];
+  ClampStoredSettings();
+}
+
+void WriteSaveFile(const char* path) {
+  for (int32_t slot = 0; slot <= kAlwaysSquareSlot; ++slot) SettingsBlock[slot] = *SlotField(slot);
+  uint8_t content[kSaveContentBytes];
+  PackContent(content);
+  std::string stored;
+  stored.reserve(2 * kSaveContentBytes);
+  for (uint8_t b : content) {
+    if (b == 0x0A) stored += '\x0D';
+    stored += static_cast<char>(b);
+  }
+
+  const std::string temporary = std::string(path) + ".tmp";
+  std::FILE* file = std::fopen(temporary.c_str(), "wb");
+  if (file == nullptr) return TellWriteFailure();
+  const bool written = std::fwrite(stored.data(), 1, stored.size(), file) == stored.size();
+  const bool closed = std::fclose(file) == 0;
+  std::error_code error;
+  if (written && closed) std::filesystem::rename(temporary, path, error);
+  if (!written || !closed || error) {
+    std::remove(temporary.c_str());
+    TellWriteFailure();
+  }
+}
+
+void CountLoss(int32_t section) {
+  if (StatsRecord* r = StatsRecordAt(section)) ++r->Lost;
+}
+
+void NewGame() {
+  SessionRecord& s = SessionState;
+  s.CurrentPlayer = 1;
+  s.PendingTurn = 1;
+  s.EngineSideToMove = 1;
+  StatsRecord* record = StatsRecordAt(StatsSection());
+  if (record != nullptr) {
+    if (s.GameResult == 1) ++record->Won;
+    if (s.GameResult == 2) ++record->Lost;
+  }
+  s.GameResult = 0;
+  if (record != nullptr) ++record->Played;
+  GridClear();
+  EndEngineGame();
+  EngineStart(8, 7, 4);
+  EngineReady = true;
+  s.GameStarted = 0;
+  s.CeilingStruck = 0;
+}
+
+bool EngineGameOpen() {
+  return EngineReady;
+}
+
+void EndEngineGame() {
+  if (EngineReady) EngineRelease();
+  EngineReady = false;
+}

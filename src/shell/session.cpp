@@ -1,0 +1,8 @@
+#include "shell/session.h"
+
+SessionRecord SessionState;
+char TextBuffer[kTextBufferSize];
+
+void ResetSessionState() {
+  SessionState = SessionRecord{};
+}

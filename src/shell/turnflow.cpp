@@ -1,0 +1,75 @@
+#include "shell/turnflow.h"
+
+#include "engine/engine.h"
+#include "opponents/roster.h"
+#include "opponents/turn.h"
+#include "shell/platform.h"
+#include "shell/savefile.h"
+#include "shell/session.h"
+
+int32_t MouseX = 0;
+int32_t MouseY = 0;
+
+namespace {
+
+// Search depth of the engine by level; challenge mode searches deepest. A level outside 0..2
+// cannot survive loading, but would search at the shallowest depth.
+int32_t EngineDepth() {
+  if (SessionState.Challenge != 0) return 8;
+  switch (SessionState.Level) {
+    case 1:
+      return 4;
+    case 2:
+      return 6;
+    default:
+      return 2;
+  }
+}
+
+}  // namespace
+
+void PlayAt(int32_t x) {
+  SessionRecord& s = SessionState;
+  if (PlaysWithEngine(s.AiNumber)) {
+    if (s.GameResult != 0) {
+      NewGame();
+    } else if (EngineGameOpen() && EnginePlay(s.EngineSideToMove, x / 30 - 1)) {
+      s.EngineSideToMove = 1 - s.EngineSideToMove;
+    }
+  } else {
+    PlayTurn(x);
+  }
+  RequestRepaint();
+}
+
+void PlayKey(int8_t c) {
+  if (c < '1' || c > '0' + SessionState.BoardSize) return;
+  PlayAt(30 * (c - '0'));
+}
+
+void RunPendingReplies() {
+  SessionRecord& s = SessionState;
+  if (s.PendingTurn == 2 && !PlaysWithEngine(s.AiNumber)) {
+    s.GameStarted = 1;
+    PlayTurn(MouseX);
+    RequestRepaint();
+    s.PendingTurn = 1;
+  }
+  if (s.EngineSideToMove == 0 && PlaysWithEngine(s.AiNumber) && EngineGameOpen()) {
+    s.GameStarted = 1;
+    EngineChooseAndPlay(0, EngineDepth());
+    RequestRepaint();
+    s.EngineSideToMove = 1;
+  }
+}
+
+void CloseSession(int32_t section) {
+  const SessionRecord& s = SessionState;
+  if (s.GameStarted != 0 && s.GameResult == 0 && s.QuitByMenu == 0) CountLoss(section);
+  WriteSaveFile();
+  EndMessageLoop(0);
+}
+
+void ResetTurnFlow() {
+  MouseX = MouseY = 0;
+}

@@ -1,0 +1,192 @@
+// The engine's search: values of known positions, the completing move, the random tie rule,
+// and the pruned search checked against plain negamax on random positions.
+#include <algorithm>
+#include <map>
+#include <random>
+#include <set>
+
+#include "engine_fixture.h"
+
+namespace {
+
+constexpr int32_t kLossOnReply = -(kEngineInfinity - 2);
+
+struct Choice {
+  bool played;
+  int32_t column, row;
+};
+
+Choice ChooseAndPlay(int32_t player, int32_t depth) {
+  Choice c{false, -1, -1};
+  c.played = EngineChooseAndPlay(player, depth, &c.column, &c.row);
+  return c;
+}
+
+std::vector<int32_t> OpenColumns() {
+  std::vector<int32_t> open;
+  for (int32_t c = 0; c < 7; ++c) {
+    if (EngineBoardView()[c][6] == kEngineEmpty) open.push_back(c);
+  }
+  return open;
+}
+
+bool HasCompletingMove(int32_t p) {
+  bool completes = false;
+  for (int32_t c : OpenColumns()) {
+    PushPosition();
+    DropPiece(p, c);
+    completes = completes || EngineHasWon(p);
+    PopPosition();
+  }
+  return completes;
+}
+
+}  // namespace
+
+TEST_F(EngineTest, DepthOneValuesOnTheEmptyBoard) {
+  const int32_t values[7] = {6, 8, 10, 14, 14, 10, 8};
+  for (int32_t c = 0; c < 7; ++c) {
+    PushPosition();
+    DropPiece(0, c);
+    EXPECT_EQ(SearchValue(0, 1, -kEngineInfinity, kEngineInfinity), values[c]) << c;
+    PopPosition();
+  }
+}
+
+// Columns 3 and 4 tie at 14: column 4 replaces column 3 when the one number drawn, modulo 10000,
+// is below 10000 / 2.
+TEST_F(EngineTest, TieOnTheEmptyBoardFollowsTheDraw) {
+  std::set<int32_t> seen;
+  for (uint32_t n = 0; n < 20; ++n) {
+    SetUp();
+    const uint32_t seed = SpreadSeed(n);
+    SeedRandom(seed);
+    const int32_t draw = RandomNext() % 10000;
+    const uint32_t afterOneDraw = RandomState;
+    SeedRandom(seed);
+    const Choice choice = ChooseAndPlay(0, 1);
+    EXPECT_EQ(choice.column, draw < 5000 ? 4 : 3) << "seed " << seed;
+    EXPECT_EQ(RandomState, afterOneDraw);
+    seen.insert(choice.column);
+  }
+  EXPECT_EQ(seen, (std::set<int32_t>{3, 4}));
+}
+
+TEST_F(EngineTest, AnswersAMiddlePieceOnTop) {
+  struct Case {
+    int32_t depth, value;
+  } cases[] = {{1, 6}, {2, -18}};
+  for (const Case& c : cases) {
+    SetUp();
+    EnginePlay(1, 3);
+    for (int32_t column = 0; column < 7; ++column) {
+      const int32_t v = ExactMoveValue(0, column, c.depth);
+      if (column == 3) {
+        EXPECT_EQ(v, c.value);
+      } else {
+        EXPECT_LT(v, c.value) << "column " << column;
+      }
+    }
+    EXPECT_EQ(ChooseAndPlay(0, c.depth).column, 3);
+  }
+}
+
+TEST_F(EngineTest, BlocksAThreeInARow) {
+  for (int32_t depth : {2, 4, 6}) {
+    SetUp();
+    PlayPicture({"XX.....", "OOO...."});
+    for (int32_t column = 0; column < 7; ++column) {
+      if (column == 3) continue;
+      EXPECT_EQ(ExactMoveValue(0, column, depth), kLossOnReply) << "column " << column;
+    }
+    EXPECT_EQ(ChooseAndPlay(0, depth).column, 3) << "depth " << depth;
+  }
+}
+
+TEST_F(EngineTest, CompletesALineWithoutSearchOrDraw) {
+  PlayPicture({"....XXX"});
+  const uint32_t state = RandomState;
+  const int64_t nodes = EngineNodesSearched;
+  const Choice choice = ChooseAndPlay(0, 6);
+  EXPECT_EQ(choice.column, 3);
+  EXPECT_EQ(choice.row, 0);
+  EXPECT_TRUE(EngineHasWon(0));
+  EXPECT_EQ(RandomState, state);
+  EXPECT_EQ(EngineNodesSearched - nodes, 1);
+}
+
+TEST_F(EngineTest, FirstCompletingColumnInSearchOrderWins) {
+  PlayPicture({".X....X", ".X....X", ".X....X"});
+  EXPECT_EQ(ChooseAndPlay(0, 4).column, 1);
+}
+
+TEST_F(EngineTest, FullBoardPlaysNothing) {
+  for (int32_t n = 0; n < 49; ++n) EnginePlay(n % 3 == 0, n % 7);
+  const PositionCopy before = CopyCurrentPosition();
+  const Choice choice = ChooseAndPlay(0, 4);
+  EXPECT_FALSE(choice.played);
+  EXPECT_EQ(choice.column, -1);
+  EXPECT_EQ(CopyCurrentPosition(), before);
+}
+
+// Filling the board leaves the opponent without a column: worth more than any win.
+TEST_F(EngineTest, LastCellIsWorthMoreThanAWin) {
+  PlayPicture({"O.OXOXX", "XOXXOOX", "XOXOXXO", "OOXXOOX", "OXOOXOO", "XOOXOOX", "OXOOXXX"});
+  ASSERT_FALSE(EngineHasWon(0) || EngineHasWon(1));
+  EXPECT_EQ(ExactMoveValue(0, 1, 2), kEngineInfinity);
+  EXPECT_EQ(ChooseAndPlay(0, 2).column, 1);
+  EXPECT_TRUE(EngineBoardFull());
+}
+
+// On random positions: a root column valued against a bound b comes out exact when it reaches b
+// and strictly below b otherwise; the move played is always among the best, every best column
+// gets played for some seed, and the search leaves the stack at 0 with one piece added.
+TEST_F(EngineTest, PrunedSearchAgreesWithPlainNegamax) {
+  std::mt19937 random(4);
+  int32_t checked = 0;
+  for (int32_t trial = 0; trial < 120; ++trial) {
+    SetUp();
+    const int32_t moves = 2 + static_cast<int32_t>(random() % 24);
+    for (int32_t n = 0; n < moves; ++n) EnginePlay(n % 2, static_cast<int32_t>(random() % 7));
+    const int32_t p = trial % 2, depth = 1 + trial % 5;
+    const std::vector<int32_t> open = OpenColumns();
+    if (EngineHasWon(0) || EngineHasWon(1) || open.empty() || HasCompletingMove(p)) continue;
+    std::map<int32_t, int32_t> exact;
+    int32_t best = -kEngineInfinity;
+    for (int32_t c : open) best = std::max(best, exact[c] = ExactMoveValue(p, c, depth));
+    std::set<int32_t> bestColumns;
+    for (int32_t c : open) {
+      if (exact[c] == best) bestColumns.insert(c);
+      for (int32_t bound : open) {
+        PushPosition();
+        DropPiece(p, c);
+        const int32_t v = SearchValue(p, depth, -kEngineInfinity, -exact[bound]);
+        PopPosition();
+        if (exact[c] >= exact[bound]) {
+          EXPECT_EQ(v, exact[c]);
+        } else {
+          EXPECT_LT(v, exact[bound]);
+        }
+      }
+    }
+    const PositionCopy before = CopyCurrentPosition();
+    const int32_t pieces = Engine.PositionStack.Current->pieceCount;
+    std::set<int32_t> played;
+    for (uint32_t n = 0; n < 40; ++n) {
+      SeedRandom(SpreadSeed(n));
+      const Choice choice = ChooseAndPlay(p, depth);
+      ASSERT_TRUE(choice.played);
+      ASSERT_EQ(Engine.PositionStack.Top, 0);
+      EXPECT_EQ(EngineBoardView()[choice.column][choice.row], p);
+      EXPECT_EQ(Engine.PositionStack.Current->pieceCount, pieces + 1);
+      PositionCopy after = CopyCurrentPosition();
+      after.cells[choice.column * 7 + choice.row] = kEngineEmpty;
+      EXPECT_EQ(after.cells, before.cells);
+      played.insert(choice.column);
+      RestoreBasePosition(before, pieces);
+    }
+    EXPECT_EQ(played, bestColumns) << "trial " << trial;
+    ++checked;
+  }
+  EXPECT_GT(checked, 40);
+}

@@ -1,0 +1,205 @@
+// The engine's board, its numbered lines, its moves and line scores, and its position stack.
+#include <random>
+
+#include "engine_fixture.h"
+
+namespace {
+
+struct Cell {
+  int32_t column, row;
+};
+
+int32_t LinesThrough(Cell cell) {
+  int32_t count = 0;
+  for (int32_t i = 0; i < Engine.LineCount; ++i) count += Engine.LineMap[cell.column][cell.row][i];
+  return count;
+}
+
+// Every line of length l fitting on a w x h board, counted one start cell and direction at a time.
+int32_t CountLinesByHand(int32_t w, int32_t h, int32_t l) {
+  const int32_t steps[4][2] = {{1, 0}, {0, 1}, {1, 1}, {-1, 1}};
+  int32_t count = 0;
+  for (int32_t c = 0; c < w; ++c) {
+    for (int32_t r = 0; r < h; ++r) {
+      for (const auto& s : steps) {
+        const int32_t endColumn = c + (l - 1) * s[0], endRow = r + (l - 1) * s[1];
+        count += endColumn >= 0 && endColumn < w && endRow < h;
+      }
+    }
+  }
+  return count;
+}
+
+}  // namespace
+
+TEST(CountLinesTest, KnownBoards) {
+  struct Case {
+    int32_t w, h, l, lines;
+  } cases[] = {{8, 7, 4, 107}, {7, 6, 4, 69}, {3, 7, 4, 12}, {7, 3, 4, 12}, {3, 3, 4, 0}};
+  for (const Case& c : cases) EXPECT_EQ(CountLines(c.w, c.h, c.l), c.lines) << c.w << c.h << c.l;
+}
+
+TEST(CountLinesTest, AgreesWithCountingByHand) {
+  for (int32_t w = 1; w <= 10; ++w) {
+    for (int32_t h = 1; h <= 10; ++h) {
+      for (int32_t l = 2; l <= 6; ++l) ASSERT_EQ(CountLines(w, h, l), CountLinesByHand(w, h, l));
+    }
+  }
+}
+
+TEST_F(EngineTest, StartsEmptyWithEveryLineOpen) {
+  EXPECT_EQ(Engine.LineCount, 107);
+  EXPECT_EQ(Engine.WinScore, 16);
+  EXPECT_EQ(Engine.PlayableColumns, 7);
+  EXPECT_EQ(Engine.PositionStack.Top, 0);
+  const EngineState& base = *Engine.PositionStack.Current;
+  EXPECT_EQ(base.scoreTotal[0], 107);
+  EXPECT_EQ(base.scoreTotal[1], 107);
+  EXPECT_EQ(base.winner, kEngineNoWinner);
+  for (int32_t c = 0; c < 7; ++c) {
+    for (int32_t r = 0; r < 7; ++r) EXPECT_EQ(EngineBoardView()[c][r], kEngineEmpty);
+  }
+  EXPECT_TRUE(EngineIsConsistent());
+}
+
+TEST_F(EngineTest, ColumnOrderGoesOutwardsFromTheMiddle) {
+  const std::vector<int32_t> expected[] = {{0, 1}, {1, 2, 0, 3}, {3, 4, 2, 5, 1, 6, 0, 7}};
+  for (const auto& order : expected) {
+    EngineRelease();
+    EngineStart(static_cast<int32_t>(order.size()), 7, 4);
+    const std::vector<int32_t> got(Engine.ColumnOrder, Engine.ColumnOrder + order.size());
+    EXPECT_EQ(got, order);
+  }
+}
+
+TEST_F(EngineTest, LinesThroughCells) {
+  struct Case {
+    Cell cell;
+    int32_t lines;
+  } cases[] = {{{3, 0}, 7}, {{0, 0}, 3}, {{3, 3}, 16}, {{7, 0}, 3}, {{7, 3}, 7}};
+  for (const Case& c : cases) {
+    EXPECT_EQ(LinesThrough(c.cell), c.lines) << c.cell.column << "," << c.cell.row;
+  }
+  int32_t throughColumn7 = 0;
+  for (int32_t i = 0; i < Engine.LineCount; ++i) {
+    int32_t cells = 0, inColumn7 = 0;
+    for (int32_t col = 0; col < 8; ++col) {
+      for (int32_t r = 0; r < 7; ++r) cells += Engine.LineMap[col][r][i];
+    }
+    for (int32_t r = 0; r < 7; ++r) inColumn7 += Engine.LineMap[7][r][i];
+    EXPECT_EQ(cells, 4) << "line " << i;
+    throughColumn7 += inColumn7 > 0;
+  }
+  EXPECT_EQ(throughColumn7, 19);
+}
+
+// Lines at the start and end of each family, by their first cell and direction.
+TEST_F(EngineTest, LinesAreNumberedFamilyByFamily) {
+  struct Case {
+    int32_t line;
+    Cell from;
+    int32_t dc, dr;
+  } cases[] = {{0, {0, 0}, 1, 0},  {34, {4, 6}, 1, 0},  {35, {0, 0}, 0, 1},  {66, {7, 3}, 0, 1},
+               {67, {0, 0}, 1, 1}, {86, {4, 3}, 1, 1},  {87, {7, 0}, -1, 1}, {88, {6, 0}, -1, 1},
+               {106, {3, 3}, -1, 1}};
+  for (const Case& c : cases) {
+    for (int32_t k = 0; k < 4; ++k) {
+      EXPECT_EQ(Engine.LineMap[c.from.column + k * c.dc][c.from.row + k * c.dr][c.line], 1)
+          << "line " << c.line << " cell " << k;
+    }
+  }
+}
+
+// Totals start at 107 each; a piece raises its owner's lines and kills the opponent's.
+TEST_F(EngineTest, ScoreTotalsFollowEachPiece) {
+  struct Step {
+    int32_t player, column, row, total0, total1;
+  } steps[] = {{1, 3, 0, 100, 114}, {0, 3, 1, 109, 103}};
+  for (const Step& s : steps) {
+    int32_t row = -1;
+    ASSERT_TRUE(EnginePlay(s.player, s.column, &row));
+    EXPECT_EQ(row, s.row);
+    EXPECT_EQ(Engine.PositionStack.Current->scoreTotal[0], s.total0);
+    EXPECT_EQ(Engine.PositionStack.Current->scoreTotal[1], s.total1);
+  }
+}
+
+TEST_F(EngineTest, FirstCompletedLineDecidesTheWinnerForGood) {
+  for (int32_t i = 0; i < 3; ++i) EnginePlay(0, 2);
+  EXPECT_FALSE(EngineHasWon(0));
+  EnginePlay(0, 2);
+  EXPECT_TRUE(EngineHasWon(0));
+  EXPECT_FALSE(EngineHasWon(1));
+  EnginePlay(0, 2);
+  for (int32_t i = 0; i < 4; ++i) EnginePlay(1, 5);  // the other side completes a line later
+  EXPECT_TRUE(EngineHasWon(0));
+  EXPECT_FALSE(EngineHasWon(1));
+  EXPECT_TRUE(EngineIsConsistent());
+}
+
+TEST_F(EngineTest, RefusedMovesChangeNothing) {
+  for (int32_t i = 0; i < 7; ++i) ASSERT_TRUE(EnginePlay(i % 2, 4));
+  const PositionCopy before = CopyCurrentPosition();
+  EXPECT_EQ(DropPiece(0, 4), -1);
+  for (int32_t column : {4, 7, -1}) EXPECT_FALSE(EnginePlay(1, column)) << column;
+  EXPECT_EQ(CopyCurrentPosition(), before);
+  EXPECT_EQ(Engine.PositionStack.Current->pieceCount, 7);
+}
+
+TEST_F(EngineTest, BoardIsFullAfterExactly49Pieces) {
+  for (int32_t n = 0; n < 49; ++n) {
+    EXPECT_FALSE(EngineBoardFull());
+    ASSERT_TRUE(EnginePlay(n % 3 == 0, n % 7));
+  }
+  EXPECT_TRUE(EngineBoardFull());
+}
+
+TEST_F(EngineTest, LineEndsOfTheWinnersLowestNumberedLine) {
+  struct Case {
+    std::initializer_list<const char*> picture;
+    Cell first, last;
+  } cases[] = {
+      {{".XXXX..", ".XOXO..", ".OXOX.."}, {1, 2}, {4, 2}},  // horizontal, left to right
+      {{".X.....", ".OX....", ".OOX...", ".OOOX.."}, {4, 0}, {1, 3}},  // falling diagonal
+      {{"...X...", "..XO...", ".XOO...", "XOOO..."}, {0, 0}, {3, 3}},  // rising diagonal
+      {{".....X.", ".....X.", ".....X.", "O...OX."}, {5, 0}, {5, 3}},  // vertical, bottom up
+      {{"XXXXX.."}, {0, 0}, {3, 0}},  // two lines: the lower index
+      // The vertical line is completed first, but the horizontal one has the lower index.
+      {{"XXXX...", "XOOO...", "XOOO...", "XOOO..."}, {0, 3}, {3, 3}},
+  };
+  for (const Case& c : cases) {
+    SetUp();
+    PlayPicture(c.picture);
+    ASSERT_TRUE(EngineHasWon(0));
+    Cell first{-1, -1}, last{-1, -1};
+    EngineLineEnds(&first.column, &first.row, &last.column, &last.row);
+    EXPECT_EQ(first.column, c.first.column);
+    EXPECT_EQ(first.row, c.first.row);
+    EXPECT_EQ(last.column, c.last.column);
+    EXPECT_EQ(last.row, c.last.row);
+  }
+}
+
+// Random games: before every move of the base position, a random sequence of pushes and drops
+// (pieces of either side, full columns included) is popped again; every position met must keep
+// the line score invariants and the base position must come back exactly.
+TEST_F(EngineTest, PushDropPopAlwaysRestoresThePosition) {
+  std::mt19937 random(20240604);
+  for (int32_t game = 0; game < 200; ++game) {
+    SetUp();
+    while (!EngineBoardFull()) {
+      const PositionCopy before = CopyCurrentPosition();
+      const int32_t levels = 1 + static_cast<int32_t>(random() % 12);
+      for (int32_t k = 0; k < levels; ++k) {
+        PushPosition();
+        DropPiece(static_cast<int32_t>(random() % 2), static_cast<int32_t>(random() % 7));
+        ASSERT_TRUE(EngineIsConsistent());
+      }
+      for (int32_t k = 0; k < levels; ++k) PopPosition();
+      ASSERT_EQ(Engine.PositionStack.Top, 0);
+      ASSERT_EQ(CopyCurrentPosition(), before);
+      EnginePlay(static_cast<int32_t>(random() % 2), static_cast<int32_t>(random() % 7));
+      ASSERT_TRUE(EngineIsConsistent());
+    }
+  }
+}
