@@ -4,7 +4,9 @@
     check_resources.py --windres PATH --rc src/resources/kalvero4.rc --work DIR
         compiles the resource script into DIR/kalvero4.res and checks it;
     check_resources.py --exe kalvero4.exe
-        checks the resources linked into an executable.
+        checks the resources linked into an executable;
+    check_resources.py --windres PATH --rc src/resources/kalvero4.rc --work DIR --self-test
+        puts known faults into copies of the script and fails unless the checks find each.
 
 Every resource the program loads by number must be there, in French, with the texts, styles
 and rectangles it is laid out with; the pictures must have the sizes and colours the painting
@@ -699,19 +701,80 @@ def check(res):
     return problems
 
 
-def compile_rc(windres, rc, work):
+class CompileError(Exception):
+    pass
+
+
+def compile_rc(windres, rc, work, script=None):
+    """Compiles `rc` (or `script`, the bytes of a variant of it) into a .res; returns its bytes.
+    Relative file names in the script are found next to `rc`."""
     found = shutil.which(windres or "")
     if not found:
-        sys.exit("the resource compiler %s was not found, so the resources cannot be checked; "
-                 "tools/setup installs the mingw-w64 tools" % (windres or "windres"))
+        raise CompileError("the resource compiler %s was not found, so the resources cannot be "
+                           "checked; tools/setup installs the mingw-w64 tools"
+                           % (windres or "windres"))
     os.makedirs(work, exist_ok=True)
+    source = os.path.abspath(rc)
+    if script is not None:
+        source = os.path.join(os.path.abspath(work), "variant.rc")
+        with open(source, "wb") as f:
+            f.write(script)
     out = os.path.join(work, "kalvero4.res")
-    run = subprocess.run([found, "-i", os.path.abspath(rc), "-O", "res", "-o", out], cwd=work,
-                         capture_output=True, text=True)
+    run = subprocess.run([found, "-I", os.path.dirname(os.path.abspath(rc)), "-i", source,
+                          "-O", "res", "-o", out], cwd=work, capture_output=True, text=True)
     if run.returncode != 0 or run.stderr.strip():
-        sys.exit("%s failed or warned on %s:\n%s%s" % (found, rc, run.stdout, run.stderr))
+        raise CompileError("%s failed or warned on %s:\n%s%s" % (found, source, run.stdout,
+                                                                 run.stderr))
     with open(out, "rb") as f:
         return f.read()
+
+
+# Faults that the checks must find: (what, text of the script, replacement, part of the report).
+# None as the text stands for the whole script.
+FAULTS = [
+    ("script saved as UTF-8", None, lambda s: s.decode("cp1252").encode("utf-8"), "menu 109"),
+    ("portrait left out", b'IDB_PORTRAIT_12 BITMAP "pictures/portrait30012.bmp"', b"",
+     "missing: bitmap 30012"),
+    ("list box that does not notify", b"LBS_NOTIFY | ", b"", "dialog 161 control 2"),
+    ("manifest linked", b"// Version information.", b'1 24 "pictures/bg148.bmp"', "manifest"),
+    ("accelerator with Ctrl", b'"Q", ID_MENU_QUIT,          VIRTKEY,',
+     b'"Q", ID_MENU_QUIT,          VIRTKEY, CONTROL,', "accelerators 109: Q"),
+    ("no language", b"LANGUAGE LANG_FRENCH, SUBLANG_FRENCH", b"", "not French"),
+    ("sprite of the wrong colour", b"disc153.bmp", b"disc158.bmp", "bitmap 153: main colour"),
+    ("sprite as mask", b"mask154.bmp", b"disc152.bmp", "bitmap 154"),
+    ("portrait of another size", b"portrait30003.bmp", b"portrait30004.bmp", "bitmap 30003"),
+    ("about box moved", b"22, 17, 195, 28", b"0, 0, 195, 28", "dialog 103: placed"),
+    ("menu text changed", b'"&2x"', b'"&2X"', "menu 109"),
+    ("string cut", b'"C:\\\\"', b'"C:"', "string 110"),
+    ("close box on the statistics", b"STYLE DS_MODALFRAME | WS_POPUP | WS_CAPTION\r\n",
+     b"STYLE DS_MODALFRAME | WS_POPUP | WS_CAPTION | WS_SYSMENU\r\n", "dialog 156: style"),
+    ("icon without its large images", b'ICON "pictures/kalvero4.ico"', b'ICON "pictures/small.ico"',
+     "icon 107: sizes"),
+    ("old version", b"FILEVERSION 5, 5, 0, 0", b"FILEVERSION 5, 4, 0, 0", "file version"),
+]
+
+
+def self_test(windres, rc, work):
+    """Checks variants of the script with one fault each; returns the faults that went unseen."""
+    with open(rc, "rb") as f:
+        script = f.read()
+    unseen = []
+    for what, text, replacement, report in FAULTS:
+        if text is None:
+            variant = replacement(script)
+        elif text in script:
+            variant = script.replace(text, replacement)
+        else:
+            unseen.append("%s: the script no longer contains %r" % (what, text))
+            continue
+        try:
+            problems = check(read_res(compile_rc(windres, rc, work, variant)))
+        except CompileError as error:
+            unseen.append("%s: %s" % (what, error))
+            continue
+        if not any(report in problem for problem in problems):
+            unseen.append("%s: not reported as %r (reports: %r)" % (what, report, problems))
+    return unseen
 
 
 def main(argv):
@@ -720,16 +783,28 @@ def main(argv):
     parser.add_argument("--rc", help="the resource script")
     parser.add_argument("--work", default=".", help="folder for the compiled resources")
     parser.add_argument("--exe", help="check the resources of this executable instead")
+    parser.add_argument("--self-test", action="store_true",
+                        help="check that faults put into the script are found")
     args = parser.parse_args(argv)
-    if args.exe:
-        with open(args.exe, "rb") as f:
-            res = read_exe(f.read())
-        source = args.exe
-    else:
-        if not args.rc:
+    try:
+        if args.exe:
+            with open(args.exe, "rb") as f:
+                res = read_exe(f.read())
+            source = args.exe
+        elif not args.rc:
             parser.error("--rc or --exe is needed")
-        res = read_res(compile_rc(args.windres, args.rc, args.work))
-        source = args.rc
+        elif args.self_test:
+            unseen = self_test(args.windres, args.rc, args.work)
+            for fault in unseen:
+                print("unseen fault: %s" % fault)
+            print("%d of %d faults found" % (len(FAULTS) - len(unseen), len(FAULTS)))
+            return 1 if unseen else 0
+        else:
+            res = read_res(compile_rc(args.windres, args.rc, args.work))
+            source = args.rc
+    except CompileError as error:
+        print(error)
+        return 1
     problems = check(res)
     for problem in problems:
         print(problem)

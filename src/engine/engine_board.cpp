@@ -90,7 +90,7 @@ static void NumberLines() {
     for (int32_t t = 0; t <= w - l; ++t) MarkLine(&line, t, s, 1, 1);
   }
   for (int32_t s = 0; s <= h - l; ++s) {
-    for (int32_t t = l - 1; t <= w - 1; ++t) MarkLine(&line, t, s, -1, 1);
+    for (int32_t t = w - 1; t >= l - 1; --t) MarkLine(&line, t, s, -1, 1);
   }
 }
 
