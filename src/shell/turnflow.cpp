@@ -10,11 +10,8 @@
 int32_t MouseX = 0;
 int32_t MouseY = 0;
 
-namespace {
-
-// Search depth of the engine by level; challenge mode searches deepest. A level outside 0..2
-// cannot survive loading, but would search at the shallowest depth.
-int32_t EngineDepth() {
+// A level outside 0..2 cannot survive loading, but would search at the shallowest depth.
+int32_t EngineSearchDepth() {
   if (SessionState.Challenge != 0) return 8;
   switch (SessionState.Level) {
     case 1:
@@ -25,8 +22,6 @@ int32_t EngineDepth() {
       return 2;
   }
 }
-
-}  // namespace
 
 void PlayAt(int32_t x) {
   SessionRecord& s = SessionState;
@@ -57,7 +52,7 @@ void RunPendingReplies() {
   }
   if (s.EngineSideToMove == 0 && PlaysWithEngine(s.AiNumber) && EngineGameOpen()) {
     s.GameStarted = 1;
-    EngineChooseAndPlay(0, EngineDepth());
+    EngineChooseAndPlay(0, EngineSearchDepth());
     RequestRepaint();
     s.EngineSideToMove = 1;
   }

@@ -24,5 +24,8 @@ void RunPendingReplies();
 // has not already counted is lost; the save file is written; the message loop ends.
 void CloseSession(int32_t section);
 
+// The engine's search depth for the current settings: 2, 4 or 6 by level, 8 in challenge mode.
+int32_t EngineSearchDepth();
+
 // Pointer position back to the start of the process.
 void ResetTurnFlow();
