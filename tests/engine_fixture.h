@@ -16,7 +16,7 @@
 class EngineTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    EngineRelease();  // harmless when no engine game is open
+    EngineRelease();               // harmless when no engine game is open
     EngineSeededGenerator = true;  // no clock seeding: the tests choose their seeds
     EngineAllocationsLeft = -1;
     EngineStart(8, 7, 4);
@@ -26,7 +26,9 @@ class EngineTest : public ::testing::Test {
 };
 
 // Seeds far apart: the generator's first draws after small neighbouring seeds are all alike.
-inline uint32_t SpreadSeed(uint32_t n) { return (n + 1) * 2654435761u; }
+inline uint32_t SpreadSeed(uint32_t n) {
+  return (n + 1) * 2654435761u;
+}
 
 // Plays a picture onto the base position, rows from the top, 'X' player 0, 'O' player 1, '.'
 // empty. Pieces go in row by row from the bottom, left to right, so the first line completed in
@@ -73,6 +75,16 @@ inline void RestoreBasePosition(const PositionCopy& copy, int32_t pieceCount) {
   s->pieceCount = pieceCount;
 }
 
+// The engine's own value for p of playing an open column on the current position, searched to
+// depth with the widest bounds.
+inline int32_t MoveValue(int32_t p, int32_t column, int32_t depth) {
+  PushPosition();
+  DropPiece(p, column);
+  const int32_t v = SearchValue(p, depth, -kEngineInfinity, kEngineInfinity);
+  PopPosition();
+  return v;
+}
+
 // The value of the current position for p (who has just moved) by plain negamax without
 // cut-offs: the oracle against which the pruned search is checked.
 inline int32_t ExactValue(int32_t p, int32_t depth) {
@@ -82,8 +94,8 @@ inline int32_t ExactValue(int32_t p, int32_t depth) {
   for (int32_t c = 0; c < Engine.PlayableColumns; ++c) {
     PushPosition();
     if (DropPiece(1 - p, c) >= 0) {
-      const int32_t v = stack.Current->winner == 1 - p ? kEngineInfinity - stack.Top
-                                                       : ExactValue(1 - p, depth);
+      const int32_t v =
+          stack.Current->winner == 1 - p ? kEngineInfinity - stack.Top : ExactValue(1 - p, depth);
       if (v > best) best = v;
     }
     PopPosition();

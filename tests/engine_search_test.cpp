@@ -45,12 +45,7 @@ bool HasCompletingMove(int32_t p) {
 
 TEST_F(EngineTest, DepthOneValuesOnTheEmptyBoard) {
   const int32_t values[7] = {6, 8, 10, 14, 14, 10, 8};
-  for (int32_t c = 0; c < 7; ++c) {
-    PushPosition();
-    DropPiece(0, c);
-    EXPECT_EQ(SearchValue(0, 1, -kEngineInfinity, kEngineInfinity), values[c]) << c;
-    PopPosition();
-  }
+  for (int32_t c = 0; c < 7; ++c) EXPECT_EQ(MoveValue(0, c, 1), values[c]) << "column " << c;
 }
 
 // Columns 3 and 4 tie at 14: column 4 replaces column 3 when the one number drawn, modulo 10000,
@@ -72,6 +67,30 @@ TEST_F(EngineTest, TieOnTheEmptyBoardFollowsTheDraw) {
   EXPECT_EQ(seen, (std::set<int32_t>{3, 4}));
 }
 
+// Three columns tie at 8 (2, 3 and 5; 3 comes first in the search order). The second tied column
+// replaces the first when the first draw, modulo 10000, is below 5000; the third replaces the one
+// chosen when the second draw is below 3333.33, which the remainder 3333 is.
+TEST_F(EngineTest, ThreeWayTieFollowsBothDraws) {
+  struct Case {
+    uint32_t seed;
+    int32_t draws[2], column;
+  } cases[] = {{1013904226, {7589, 5989}, 3},
+               {387276917, {2532, 9779}, 2},
+               {2654435761, {198, 3238}, 5},
+               {17957, {5910, 3333}, 5}};
+  for (const Case& c : cases) {
+    SetUp();
+    PlayPicture({".OO..X."});
+    SeedRandom(c.seed);
+    ASSERT_EQ(RandomNext() % 10000, c.draws[0]);
+    ASSERT_EQ(RandomNext() % 10000, c.draws[1]);
+    const uint32_t afterTwoDraws = RandomState;
+    SeedRandom(c.seed);
+    EXPECT_EQ(ChooseAndPlay(0, 1).column, c.column) << "seed " << c.seed;
+    EXPECT_EQ(RandomState, afterTwoDraws);
+  }
+}
+
 TEST_F(EngineTest, AnswersAMiddlePieceOnTop) {
   struct Case {
     int32_t depth, value;
@@ -80,7 +99,7 @@ TEST_F(EngineTest, AnswersAMiddlePieceOnTop) {
     SetUp();
     EnginePlay(1, 3);
     for (int32_t column = 0; column < 7; ++column) {
-      const int32_t v = ExactMoveValue(0, column, c.depth);
+      const int32_t v = MoveValue(0, column, c.depth);
       if (column == 3) {
         EXPECT_EQ(v, c.value);
       } else {
@@ -97,7 +116,7 @@ TEST_F(EngineTest, BlocksAThreeInARow) {
     PlayPicture({"XX.....", "OOO...."});
     for (int32_t column = 0; column < 7; ++column) {
       if (column == 3) continue;
-      EXPECT_EQ(ExactMoveValue(0, column, depth), kLossOnReply) << "column " << column;
+      EXPECT_EQ(MoveValue(0, column, depth), kLossOnReply) << "column " << column;
     }
     EXPECT_EQ(ChooseAndPlay(0, depth).column, 3) << "depth " << depth;
   }
@@ -133,7 +152,7 @@ TEST_F(EngineTest, FullBoardPlaysNothing) {
 TEST_F(EngineTest, LastCellIsWorthMoreThanAWin) {
   PlayPicture({"O.OXOXX", "XOXXOOX", "XOXOXXO", "OOXXOOX", "OXOOXOO", "XOOXOOX", "OXOOXXX"});
   ASSERT_FALSE(EngineHasWon(0) || EngineHasWon(1));
-  EXPECT_EQ(ExactMoveValue(0, 1, 2), kEngineInfinity);
+  EXPECT_EQ(MoveValue(0, 1, 2), kEngineInfinity);
   EXPECT_EQ(ChooseAndPlay(0, 2).column, 1);
   EXPECT_TRUE(EngineBoardFull());
 }
@@ -189,4 +208,28 @@ TEST_F(EngineTest, PrunedSearchAgreesWithPlainNegamax) {
     ++checked;
   }
   EXPECT_GT(checked, 40);
+}
+
+// The signature of the search: moves chosen and positions searched on fixed positions with a
+// fixed seed. A change here is a change of the engine's behaviour, even when every other test
+// passes (a lost cut-off, for instance, searches more positions for the same moves).
+TEST_F(EngineTest, SearchSignature) {
+  struct Case {
+    const char* moves;  // columns played alternately, the human's first
+    int32_t depth, column;
+    int64_t nodes;
+  } cases[] = {
+      {"", 2, 2, 50},      {"", 4, 5, 477},      {"", 6, 2, 4695},      {"", 8, 4, 45848},
+      {"3", 2, 3, 20},     {"3", 4, 3, 206},     {"3", 6, 3, 2675},     {"3", 8, 3, 29974},
+      {"34325", 2, 3, 20}, {"34325", 4, 3, 235}, {"34325", 6, 3, 1637}, {"34325", 8, 5, 18377},
+  };
+  for (const Case& c : cases) {
+    SetUp();
+    for (int32_t n = 0; c.moves[n] != '\0'; ++n) EnginePlay(1 - n % 2, c.moves[n] - '0');
+    SeedRandom(SpreadSeed(0));
+    const int64_t before = EngineNodesSearched;
+    const int32_t column = ChooseAndPlay(0, c.depth).column;
+    EXPECT_EQ(column, c.column) << c.moves << " depth " << c.depth;
+    EXPECT_EQ(EngineNodesSearched - before, c.nodes) << c.moves << " depth " << c.depth;
+  }
 }

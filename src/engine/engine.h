@@ -35,8 +35,7 @@ bool EnginePlay(int32_t player, int32_t column, int32_t* row = nullptr);
 const uint8_t* const* EngineBoardView();
 bool EngineHasWon(int32_t player);
 bool EngineBoardFull();
-void EngineLineEnds(int32_t* firstColumn, int32_t* firstRow, int32_t* lastColumn,
-                    int32_t* lastRow);
+void EngineLineEnds(int32_t* firstColumn, int32_t* firstRow, int32_t* lastColumn, int32_t* lastRow);
 
 // Search (engine_search.cpp).
 bool EngineChooseAndPlay(int32_t player, int32_t depth, int32_t* column = nullptr,

@@ -11,12 +11,13 @@
 EngineRecord Engine;
 bool EngineSeededGenerator = false;
 int32_t EngineAllocationsLeft = -1;
+int32_t EngineBlocksHeld = 0;
 
 // The number of winning lines of length lineLength on a width x height board.
 int32_t CountLines(int32_t width, int32_t height, int32_t lineLength) {
   const int32_t w = width, h = height, l = lineLength;
   if (w < l) return h < l ? 0 : (h - l + 1) * w;  // vertical lines only
-  if (h < l) return (w - l + 1) * h;  // horizontal lines only
+  if (h < l) return (w - l + 1) * h;              // horizontal lines only
   // Horizontal, vertical and the two diagonal families, expanded.
   return 4 * w * h - 3 * w * l - 3 * h * l + 3 * w + 3 * h + 2 * l * l - 4 * l + 2;
 }
@@ -31,7 +32,15 @@ void* AllocOrDie(int32_t size) {
     std::fprintf(stderr, "kv: emalloc() - Can't allocate %d bytes.\n", size);
     std::exit(1);
   }
+  ++EngineBlocksHeld;
   return block;
+}
+
+// Gives back a block taken with AllocOrDie; nothing for a null pointer.
+static void GiveBack(void* block) {
+  if (block == nullptr) return;
+  std::free(block);
+  --EngineBlocksHeld;
 }
 
 // Gives a stack slot its cells (one block for all columns) and its two line score arrays.
@@ -41,16 +50,17 @@ void TakeSlotArrays(EngineState* slot) {
   uint8_t* bytes = static_cast<uint8_t*>(AllocOrDie(columns * Engine.Height));
   for (int32_t c = 0; c < columns; ++c) slot->cells[c] = bytes + c * Engine.Height;
   for (int32_t p = 0; p < 2; ++p) {
-    slot->lineScore[p] = static_cast<int32_t*>(AllocOrDie(Engine.LineCount * 4));
+    slot->lineScore[p] =
+        static_cast<int32_t*>(AllocOrDie(Engine.LineCount * int32_t{sizeof(int32_t)}));
   }
   slot->pieceCount = 0;  // meaningful in slot 0 only, but never left undefined
 }
 
 static void GiveBackSlotArrays(EngineState* slot) {
-  std::free(slot->cells[0]);
-  std::free(slot->cells);
-  std::free(slot->lineScore[0]);
-  std::free(slot->lineScore[1]);
+  GiveBack(slot->cells[0]);
+  GiveBack(slot->cells);
+  GiveBack(slot->lineScore[0]);
+  GiveBack(slot->lineScore[1]);
   slot->cells = nullptr;
   slot->lineScore[0] = slot->lineScore[1] = nullptr;
 }
@@ -111,7 +121,7 @@ static void BuildLineMap() {
 // for a width of 8. Central columns lie on more lines, so trying them first cuts more branches.
 static void BuildColumnOrder() {
   const int32_t w = Engine.NominalWidth;
-  Engine.ColumnOrder = static_cast<int32_t*>(AllocOrDie(w * 4));
+  Engine.ColumnOrder = static_cast<int32_t*>(AllocOrDie(w * int32_t{sizeof(int32_t)}));
   int32_t c = (w - 1) / 2;
   for (int32_t i = 1; i <= w; ++i) {
     Engine.ColumnOrder[i - 1] = c;
@@ -147,15 +157,15 @@ void EngineStart(int32_t width, int32_t height, int32_t lineLength) {
 void EngineRelease() {
   if (Engine.LineMap != nullptr) {
     for (int32_t c = 0; c < Engine.NominalWidth; ++c) {
-      for (int32_t r = 0; r < Engine.Height; ++r) std::free(Engine.LineMap[c][r]);
-      std::free(Engine.LineMap[c]);
+      for (int32_t r = 0; r < Engine.Height; ++r) GiveBack(Engine.LineMap[c][r]);
+      GiveBack(Engine.LineMap[c]);
     }
-    std::free(Engine.LineMap);
+    GiveBack(Engine.LineMap);
     Engine.LineMap = nullptr;
   }
   PositionStackRecord* stack = &Engine.PositionStack;
   for (int32_t s = 0; s < stack->SlotsWithArrays; ++s) GiveBackSlotArrays(&stack->Slot[s]);
   stack->SlotsWithArrays = 0;
-  std::free(Engine.ColumnOrder);
+  GiveBack(Engine.ColumnOrder);
   Engine.ColumnOrder = nullptr;
 }

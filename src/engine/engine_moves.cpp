@@ -81,9 +81,13 @@ bool EnginePlay(int32_t player, int32_t column, int32_t* row) {
   return true;
 }
 
-const uint8_t* const* EngineBoardView() { return Engine.PositionStack.Current->cells; }
+const uint8_t* const* EngineBoardView() {
+  return Engine.PositionStack.Current->cells;
+}
 
-bool EngineHasWon(int32_t player) { return Engine.PositionStack.Current->winner == player; }
+bool EngineHasWon(int32_t player) {
+  return Engine.PositionStack.Current->winner == player;
+}
 
 bool EngineBoardFull() {
   return Engine.PositionStack.Current->pieceCount == Engine.Height * Engine.PlayableColumns;

@@ -41,7 +41,9 @@ int32_t SearchValue(int32_t player, int32_t depth, int32_t alpha, int32_t beta) 
 
 // Replaces the column chosen so far by the ties-th column of equal value with probability about
 // 1 / ties, so that every column sharing the best value is about equally likely.
-static bool TakesTiedColumn(int32_t ties) { return RandomNext() % 10000 < 10000.0 / ties; }
+static bool TakesTiedColumn(int32_t ties) {
+  return RandomNext() % 10000 < 10000.0 / ties;
+}
 
 // Chooses a move for player (only its lowest bit counts) by a search of depth plies (1..16,
 // the engine's own move included) and plays it on the base position; stores the column and
