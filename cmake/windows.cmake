@@ -2,9 +2,23 @@
 # needs no DLL beyond those of Windows itself.
 if(KALVERO_WIN32_SOURCES AND EXISTS ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc)
   enable_language(RC)
-  add_executable(kalvero4 WIN32 ${KALVERO_WIN32_SOURCES} ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc)
+  set(KALVERO_RC ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc)
+
+  # The version resource takes the project's version from here; the numbers that the script
+  # keeps for compiles outside the build must not drift from it.
+  file(STRINGS ${KALVERO_RC} rc_version_line REGEX "^#define KALVERO_VERSION_TEXT \"")
+  if(NOT rc_version_line MATCHES "\"${PROJECT_VERSION}\"")
+    message(FATAL_ERROR "kalvero4.rc keeps the version ${rc_version_line}, the project is "
+                        "${PROJECT_VERSION}: update the #else branch of its version block")
+  endif()
+
+  add_executable(kalvero4 WIN32 ${KALVERO_WIN32_SOURCES} ${KALVERO_RC})
   target_link_libraries(kalvero4 PRIVATE kalvero_core gdi32 user32)
   target_link_options(kalvero4 PRIVATE -static -static-libgcc -static-libstdc++ -mwindows)
   target_include_directories(kalvero4 PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/src/resources)
+  target_compile_definitions(kalvero4 PRIVATE
+    KALVERO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
+    KALVERO_VERSION_MINOR=${PROJECT_VERSION_MINOR}
+    KALVERO_VERSION_PATCH=${PROJECT_VERSION_PATCH})
   kalvero_warnings(kalvero4)
 endif()

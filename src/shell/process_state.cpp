@@ -5,6 +5,7 @@
 #include "opponents/openings.h"
 #include "opponents/referee.h"
 #include "opponents/turn.h"
+#include "render/viewport.h"
 #include "shell/random.h"
 #include "shell/savefile.h"
 #include "shell/session.h"
@@ -14,6 +15,7 @@ void ResetProcessState() {
   EndEngineGame();
   ResetSessionState();
   ResetTurnFlow();
+  Viewport = ViewportRecord{};
   GridClear();
   std::memset(RunNeeded, 0, sizeof RunNeeded);
   std::memset(StatsTable, 0, sizeof StatsTable);

@@ -131,6 +131,10 @@ void LoadSaveFile(const char* path) {
 
   for (int32_t slot = 0; slot < kAlwaysSquareSlot; ++slot) *SlotField(slot) = SettingsBlock[slot];
   ClampStoredSettings();
+  // Slot 10 waits in the block for the home dialog, which takes it as the flag's value: out of
+  // range it falls back to its preset, like the fields above to their initial values.
+  int32_t& alwaysSquare = SettingsBlock[kAlwaysSquareSlot];
+  if (alwaysSquare != 0 && alwaysSquare != 1) alwaysSquare = 1;
 }
 
 void WriteSaveFile(const char* path) {

@@ -33,6 +33,8 @@ StatsRecord* StatsRecordAt(int32_t section);
 
 // Presets the counters, the name and slot 10, reads the file if it can be opened, and applies
 // slots 0..9 to the session. Silent: a missing or short file leaves the presets in place.
+// Stored values outside their ranges are replaced as ClampStoredSettings says; slot 10 outside
+// 0..1 takes its preset 1.
 void LoadSaveFile(const char* path = kSaveFileName);
 
 // Copies the settings into slots 0..10 and writes the file. The new content goes to a temporary

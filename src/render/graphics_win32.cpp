@@ -1,0 +1,84 @@
+#include "render/graphics_win32.h"
+
+#include "render/board_plan.h"
+#include "render/viewport.h"
+#include "resources/resource.h"
+#include "shell/front_end_win32.h"
+#include "shell/savefile.h"
+#include "shell/session.h"
+
+GraphicsRecord Graphics;
+
+namespace {
+
+// A memory surface of the buffers' size, compatible with the window's.
+HDC CreateBufferSurface(HDC paint) {
+  HDC surface = CreateCompatibleDC(paint);
+  SelectObject(surface, CreateCompatibleBitmap(paint, kBufferSide, kBufferSide));
+  return surface;
+}
+
+void DrawBackgroundPicture() {
+  DrawResourceBitmap(Graphics.BackgroundBuffer, IDB_BACKGROUND, 0, 0, SessionState.LogicalWidth,
+                     SessionState.LogicalHeight, SRCCOPY);
+}
+
+}  // namespace
+
+void CreateGraphicResources() {
+  Graphics.TextFont = CreateFontA(18, 0, 0, 0, 0, FALSE, FALSE, FALSE, 0, OUT_DEFAULT_PRECIS,
+                                  CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, VARIABLE_PITCH, "Tahoma");
+  Graphics.DialogBrush = CreateSolidBrush(RGB(128, 192, 255));
+  Graphics.GoldBrush = CreateSolidBrush(RGB(255, 210, 0));
+  Graphics.SkyBlueBrush = CreateSolidBrush(RGB(0, 160, 255));
+  Graphics.LightGreenBrush = CreateSolidBrush(RGB(128, 255, 128));
+  Graphics.WaitCursor = LoadCursorA(nullptr, MAKEINTRESOURCEA(32514));
+}
+
+void DrawResourceBitmap(HDC target, int32_t resource, int32_t x, int32_t y, int32_t width,
+                        int32_t height, DWORD rop) {
+  // A size of 0 would make the loader take the stored size; an empty area draws nothing.
+  if (target == nullptr || width <= 0 || height <= 0) return;
+  HANDLE image = LoadImageA(FrontEnd.Instance, MAKEINTRESOURCEA(resource), IMAGE_BITMAP, width,
+                            height, LR_DEFAULTCOLOR);
+  if (image == nullptr) return;
+  HDC source = CreateCompatibleDC(target);
+  HGDIOBJ previous = SelectObject(source, image);
+  BitBlt(target, x, y, width, height, source, 0, 0, rop);
+  SelectObject(source, previous);
+  DeleteDC(source);
+  DeleteObject(image);
+}
+
+void FirstPaintSetup(HDC paint) {
+  NewGame();
+  Graphics.GridPen = CreatePen(PS_SOLID, 1, RGB(0, 192, 255));
+  Graphics.BackBuffer = CreateBufferSurface(paint);
+  SelectObject(Graphics.BackBuffer, Graphics.GridPen);
+  Graphics.BackgroundBuffer = CreateBufferSurface(paint);
+  DrawBackgroundPicture();
+}
+
+void RefillBackground() {
+  // Before the first repaint there is no surface yet; the first repaint fills it anyway.
+  if (Graphics.BackgroundBuffer == nullptr) return;
+  PatBlt(Graphics.BackgroundBuffer, 0, 0, kBufferSide, kBufferSide, BLACKNESS);
+  DrawBackgroundPicture();
+}
+
+void PresentBackBuffer(HDC paint) {
+  const PresentPlan plan = PlanPresentation();
+  SetStretchBltMode(paint, SessionState.Smoothing != 0 ? HALFTONE : COLORONCOLOR);
+  SetBrushOrgEx(paint, 0, 0, nullptr);  // the halftone mode needs the brush origin reset
+  const PixelRect& to = plan.Destination;
+  const PixelRect& from = plan.Source;
+  if (Graphics.BackBuffer != nullptr && to.Width > 0 && to.Height > 0 && from.Width > 0 &&
+      from.Height > 0) {
+    StretchBlt(paint, to.X, to.Y, to.Width, to.Height, Graphics.BackBuffer, from.X, from.Y,
+               from.Width, from.Height, SRCCOPY);
+  }
+  for (int32_t i = 0; i < plan.BlackCount; ++i) {
+    const PixelRect& r = plan.Black[i];
+    PatBlt(paint, r.X, r.Y, r.Width, r.Height, BLACKNESS);
+  }
+}

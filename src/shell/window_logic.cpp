@@ -1,0 +1,25 @@
+#include "shell/window_logic.h"
+
+#include "render/frame_logic.h"
+#include "shell/platform.h"
+#include "shell/session.h"
+#include "shell/turnflow.h"
+
+bool MessagePassesHomeDialog(bool isRepaint) {
+  return isRepaint || SessionState.HomeDialogOpen == 0;
+}
+
+bool RepaintOpensFirstDialogs() {
+  return SessionState.FirstPaint != 0 && SessionState.HomeDialogOpen == 0;
+}
+
+void FirstDialogsClosed() {
+  RequestRepaint();
+  SessionState.SettleCounter = 0;
+}
+
+void EndRepaint() {
+  RunPendingReplies();
+  SessionState.FirstPaint = 0;
+  FinishRepaint();
+}

@@ -1,0 +1,122 @@
+// The main window's handler, and the three services the portable core asks of the platform.
+#include <windows.h>
+
+#include "dialogs/dialogs_win32.h"
+#include "dialogs/home_logic.h"
+#include "render/frame_logic.h"
+#include "render/graphics_win32.h"
+#include "render/viewport.h"
+#include "resources/resource.h"
+#include "shell/front_end_win32.h"
+#include "shell/platform.h"
+#include "shell/savefile.h"
+#include "shell/session.h"
+#include "shell/turnflow.h"
+#include "shell/window_logic.h"
+
+FrontEndRecord FrontEnd;
+
+void RequestRepaint() {
+  InvalidateRect(FrontEnd.MainWindow, nullptr, FALSE);
+}
+
+void EndMessageLoop(int32_t code) {
+  PostQuitMessage(code);
+}
+
+int32_t AskUser(const char* text, const char* title, uint32_t flags) {
+  return MessageBoxA(FrontEnd.MainWindow, text, title, flags);
+}
+
+void RunSettingsDialogs(HWND owner) {
+  DialogBoxParamA(FrontEnd.Instance, MAKEINTRESOURCEA(IDD_HOME), owner, HomeDialogProc, 0);
+  if (CharactersDialogFollows()) {
+    DialogBoxParamA(FrontEnd.Instance, MAKEINTRESOURCEA(IDD_CHARACTERS), owner,
+                    CharactersDialogProc, 0);
+  }
+}
+
+void ResizeMainWindow(HWND window, int32_t width, int32_t height) {
+  SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+}
+
+namespace {
+
+// The repaint: the frame is composed and presented first, so that the screen shows the last
+// move at once; the dialogs of the first start and the computer's reply follow, all under the
+// wait cursor.
+void Repaint(HWND window) {
+  HCURSOR previous = GetCursor();
+  SetCursor(Graphics.WaitCursor);
+  PAINTSTRUCT paint;
+  HDC dc = BeginPaint(window, &paint);
+  if (SessionState.FirstPaint != 0 && !FrontEnd.BuffersCreated) {
+    FirstPaintSetup(dc);
+    FrontEnd.BuffersCreated = true;
+  }
+  if (FrameShowsEngineBoard()) {
+    PaintEngineBoard();
+  } else {
+    PaintGridBoard();
+  }
+  PresentBackBuffer(dc);
+  EndPaint(window, &paint);
+  if (RepaintOpensFirstDialogs()) {
+    RunSettingsDialogs(window);
+    FirstDialogsClosed();
+    ResizeMainWindow(window, BaseWindowWidth(SessionState.BoardSize),
+                     BaseWindowHeight(SessionState.BoardSize));
+  }
+  EndRepaint();
+  SetCursor(previous);
+}
+
+}  // namespace
+
+LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (!MessagePassesHomeDialog(message == WM_PAINT)) {
+    return DefWindowProcA(window, message, wParam, lParam);
+  }
+  RECT client = {};
+  GetClientRect(window, &client);
+  if (SettleLogicalSize(client.right, client.bottom)) RefillBackground();
+  FitDestination(client.right, client.bottom);
+  const int32_t section = StatsSection();
+  if (SessionState.QuitRequested != 0 && IsWindow(window) && !FrontEnd.Destroying) {
+    // A dialog was cancelled: the window goes, and the closing steps run during its
+    // destruction. The message that brought us here is not handled any further.
+    FrontEnd.Destroying = true;
+    DestroyWindow(window);
+    return 0;
+  }
+
+  switch (message) {
+    case WM_DESTROY:
+      FrontEnd.Destroying = true;
+      CloseSession(section);
+      return 0;
+    case WM_PAINT:
+      Repaint(window);
+      return 0;
+    case WM_ERASEBKGND:
+      return 1;  // every frame covers the whole client area
+    case WM_ACTIVATEAPP:
+    case WM_KEYDOWN:
+      return 0;  // keys arrive as WM_CHAR
+    case WM_CHAR:
+      PlayKey(static_cast<int8_t>(wParam & 0xFF));
+      return 0;
+    case WM_COMMAND:
+      if (HandleMenuCommand(window, LOWORD(wParam), section)) return 0;
+      return DefWindowProcA(window, message, wParam, lParam);
+    case WM_MOUSEMOVE:
+      TrackPointer(static_cast<int32_t>(lParam & 0xFFFF),
+                   static_cast<int32_t>((lParam >> 16) & 0xFFFF));
+      return 0;
+    case WM_LBUTTONDOWN:
+      PlayAt(MouseX);
+      return 0;
+    default:
+      return DefWindowProcA(window, message, wParam, lParam);
+  }
+}
