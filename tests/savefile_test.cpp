@@ -15,6 +15,7 @@
 #include "opponents/referee.h"
 #include "shell/savefile.h"
 #include "shell/session.h"
+#include "shell/texts.h"
 #include "test_support.h"
 
 namespace {
@@ -193,23 +194,80 @@ TEST_F(SaveFileTest, LongFileIsReadUpToItsContent) {
   EXPECT_EQ(SessionState.GameMode, 2);
 }
 
-TEST_F(SaveFileTest, UnwritableFileTellsTheUserAndKeepsTheOldFile) {
-  WriteAll(path_, Bytes{1, 2, 3});
-  // A folder where the file should be.
-  const std::string blocked = (dir_ / "blocked").string();
-  fs::create_directories(blocked);
-  WriteSaveFile(blocked.c_str());
-  ASSERT_EQ(FakePlatform.Questions.size(), 1u);
-  EXPECT_NE(FakePlatform.Questions[0].find("Impossible d'"), std::string::npos);
-  EXPECT_TRUE(fs::is_directory(blocked));
-  EXPECT_FALSE(fs::exists(blocked + ".tmp"));
+// The whole message of a failed save, as the core hands it to the platform (Windows-1252).
+const std::string kWriteFailureText =
+    Cp1252(
+        "Impossible d'écrire le fichier de sauvegarde.\nCelui-ci pourrait être déjà utilisé par "
+        "quelqu'un d'autre, interdit ou tout simplement faux.\nEssayez de le supprimer.")
+        .c_str();
 
-  if (geteuid() != 0) {  // root writes anywhere: the read-only case needs an ordinary user
-    fs::permissions(dir_, fs::perms::owner_read | fs::perms::owner_exec);
-    WriteSaveFile(path_.c_str());
-    EXPECT_EQ(FakePlatform.Questions.size(), 2u);
-    EXPECT_EQ(ReadAll(path_), (Bytes{1, 2, 3}));
+// A save that fails tells the user once, leaves whatever was in the file's place as it was,
+// and leaves no temporary file of its own behind.
+void ExpectFailedSave(const std::string& path, const Bytes& old) {
+  WriteSaveFile(path.c_str());
+  ASSERT_EQ(FakePlatform.Questions.size(), 1u);
+  EXPECT_EQ(FakePlatform.Questions[0], kWriteFailureText);
+  if (fs::is_regular_file(path)) {
+    EXPECT_EQ(ReadAll(path), old);
   }
+}
+
+TEST_F(SaveFileTest, FailedSavesTellTheUserAndKeepTheOldFile) {
+  const Bytes old{1, 2, 3};
+  struct Case {
+    const char* What;
+    void (*Prepare)(const std::string& path, const Bytes& old);
+    bool FolderAtTemporary;  // the temporary's name is taken by a folder the save leaves alone
+  };
+  const Case cases[] = {
+      {"a folder in the file's place",
+       [](const std::string& path, const Bytes&) { fs::create_directories(path + "/inside"); },
+       false},
+      {"a folder in the temporary file's place",
+       [](const std::string& path, const Bytes& bytes) {
+         WriteAll(path, bytes);
+         fs::create_directories(path + ".tmp");
+       },
+       true},
+      {"a full disk: writing the temporary file fails",
+       [](const std::string& path, const Bytes& bytes) {
+         WriteAll(path, bytes);
+         fs::create_symlink("/dev/full", path + ".tmp");
+       },
+       false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.What);
+    ResetAllGlobals();
+    fs::remove_all(dir_);
+    fs::create_directories(dir_);
+    c.Prepare(path_, old);
+    ExpectFailedSave(path_, old);
+    const fs::file_status temporary = fs::symlink_status(path_ + ".tmp");
+    EXPECT_EQ(fs::exists(temporary), c.FolderAtTemporary);
+  }
+}
+
+TEST_F(SaveFileTest, ReadOnlyFileOrFolderTellsTheUserAndKeepsTheOldFile) {
+  if (geteuid() == 0) GTEST_SKIP() << "root writes into read-only files and folders";
+  const Bytes old{1, 2, 3};
+  WriteAll(path_, old);
+  fs::permissions(path_, fs::perms::owner_read);
+  ExpectFailedSave(path_, old);
+
+  ResetAllGlobals();
+  fs::permissions(path_, fs::perms::owner_read | fs::perms::owner_write);
+  fs::permissions(dir_, fs::perms::owner_read | fs::perms::owner_exec);
+  ExpectFailedSave(path_, old);
+  EXPECT_FALSE(fs::exists(path_ + ".tmp"));
+}
+
+TEST_F(SaveFileTest, TemporaryLeftByAnInterruptedSaveIsReplaced) {
+  WriteAll(path_ + ".tmp", Bytes(5000, 0x0A));  // a save cut short once left this behind
+  WriteSaveFile(path_.c_str());
+  EXPECT_TRUE(FakePlatform.Questions.empty());
+  EXPECT_FALSE(fs::exists(path_ + ".tmp"));
+  EXPECT_EQ(ReadAll(path_).size(), 1142u);
 }
 
 class StatsTest : public CoreTest {};

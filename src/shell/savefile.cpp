@@ -79,6 +79,17 @@ void TellWriteFailure() {
   AskUser(kWriteFailure, kWriteFailureTitle, kAskOk | kAskExclamation);
 }
 
+// Whether the file may be replaced: it doesn't exist yet, or it opens for writing. A read-only
+// or locked file is left alone even where renaming over it would work.
+bool MayReplace(const char* path) {
+  std::error_code error;
+  if (!std::filesystem::exists(path, error)) return true;
+  std::FILE* probe = std::fopen(path, "r+b");  // neither creates nor truncates
+  if (probe == nullptr) return false;
+  std::fclose(probe);
+  return true;
+}
+
 }  // namespace
 
 int32_t StatsSection() {
@@ -148,6 +159,7 @@ void WriteSaveFile(const char* path) {
     stored += static_cast<char>(b);
   }
 
+  if (!MayReplace(path)) return TellWriteFailure();
   const std::string temporary = std::string(path) + ".tmp";
   std::FILE* file = std::fopen(temporary.c_str(), "wb");
   if (file == nullptr) return TellWriteFailure();
