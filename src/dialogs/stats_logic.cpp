@@ -54,7 +54,7 @@ std::string Format(const char* format, Args... args) {
 }  // namespace
 
 std::string ShareOfWinsText(uint16_t won, uint16_t lost) {
-  if (lost == 0) return Format(won == 0 ? "Moyennant:\t\t 0.00%%" : "Moyennant:\t\t 100.00%%");
+  if (lost == 0) return won == 0 ? "Moyennant:\t\t 0.00%" : "Moyennant:\t\t 100.00%";
   const double share = won * 100.0 / (won + lost);
   return Format("Moyennant:\t\t %2.2f%%", share);
 }
