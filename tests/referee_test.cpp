@@ -35,6 +35,11 @@ struct WinCase {
   std::vector<std::string> Marked;  // the board after GridMarkWinner
 };
 
+// Cases print as their names in test listings.
+void PrintTo(const WinCase& c, std::ostream* out) {
+  *out << c.Name;
+}
+
 class RefereeWinTest : public CoreTest, public ::testing::WithParamInterface<WinCase> {};
 
 TEST_P(RefereeWinTest, FindsAndMarksTheFirstRunInScanOrder) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -88,6 +89,11 @@ struct ReplyCase {
   std::vector<std::string> After;  // after the reply
   int32_t Result;
 };
+
+// Cases print as their names in test listings.
+void PrintTo(const ReplyCase& c, std::ostream* out) {
+  *out << c.Name;
+}
 
 class ReplyTest : public PlayTurnTest, public ::testing::WithParamInterface<ReplyCase> {};
 

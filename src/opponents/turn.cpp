@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "opponents/fast_lookahead.h"
 #include "opponents/openings.h"
 #include "opponents/roster.h"
 #include "shell/random.h"
@@ -189,6 +190,8 @@ int32_t PlainLookAhead(int32_t depth) {
   return chosen;
 }
 
+bool UsePlainLookAhead = false;
+
 int32_t LookAhead(int32_t depth) {
-  return PlainLookAhead(depth);
+  return UsePlainLookAhead ? PlainLookAhead(depth) : FastLookAhead(depth);
 }

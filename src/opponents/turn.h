@@ -31,6 +31,10 @@ int32_t LookAheadDepth();
 // scores in Turn.ColumnValue. Leaves Grid and CurrentPlayer changed.
 int32_t LookAhead(int32_t depth);
 
+// When set, LookAhead runs PlainLookAhead instead of the fast version: a switch for the tests
+// and the benchmarks, which compare the two. The game leaves it off.
+extern bool UsePlainLookAhead;
+
 // The straightforward look-ahead: every trial copies the board, drops and scans it whole. It
 // stays the reference for the faster version.
 int32_t PlainLookAhead(int32_t depth);
