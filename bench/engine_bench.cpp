@@ -1,6 +1,8 @@
 // Speed of the engine's move choice at the game's depths (2, 4, 6 and 8; 8 is the challenge
-// mode) over a fixed set of positions. One iteration chooses a move in every position; the
-// "positions/s" counter is the number of pieces the search dropped per second.
+// mode) over a fixed set of positions, the reference search and the game's side by side:
+//   build/native/bench/kalvero_bench --benchmark_filter=Engine
+// Both search the same positions (the "positions/iter" counters agree), so the ratio of their
+// times is the speed-up.
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -59,7 +61,11 @@ void Restore(const SavedPosition& saved) {
   base.pieceCount = saved.pieceCount;
 }
 
-void EngineChooseAndPlayBench(benchmark::State& state) {
+using ChooseAndPlay = bool (*)(int32_t player, int32_t depth, int32_t* column, int32_t* row);
+
+// One iteration chooses a move in every fixed position with the given search. Counters: pieces
+// dropped (or counted) by the search per second, and the time of one move (one whole choice).
+void RunChooseAndPlay(benchmark::State& state, ChooseAndPlay choose) {
   const int32_t depth = static_cast<int32_t>(state.range(0));
   EngineSeededGenerator = true;
   std::vector<SavedPosition> positions;
@@ -69,15 +75,29 @@ void EngineChooseAndPlayBench(benchmark::State& state) {
     for (const SavedPosition& saved : positions) {
       Restore(saved);
       SeedRandom(1);
-      benchmark::DoNotOptimize(EngineChooseAndPlay(saved.side, depth));
+      benchmark::DoNotOptimize(choose(saved.side, depth, nullptr, nullptr));
     }
   }
   const double nodes = static_cast<double>(EngineNodesSearched - nodesBefore);
+  const double moves = static_cast<double>(state.iterations() * positions.size());
   state.counters["positions/s"] = benchmark::Counter(nodes, benchmark::Counter::kIsRate);
   state.counters["positions/iter"] = benchmark::Counter(nodes, benchmark::Counter::kAvgIterations);
+  state.counters["s/move"] =
+      benchmark::Counter(moves, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
   EngineRelease();
+}
+
+// The reference search, pushing a copy of the position for every move.
+void EnginePlainBench(benchmark::State& state) {
+  RunChooseAndPlay(state, PlainEngineChooseAndPlay);
+}
+
+// The game's search: moves made and unmade in place, the last two plies counted.
+void EngineFastBench(benchmark::State& state) {
+  RunChooseAndPlay(state, EngineChooseAndPlay);
 }
 
 }  // namespace
 
-BENCHMARK(EngineChooseAndPlayBench)->Arg(2)->Arg(4)->Arg(6)->Arg(8)->Unit(benchmark::kMicrosecond);
+BENCHMARK(EnginePlainBench)->Arg(2)->Arg(4)->Arg(6)->Arg(8)->Unit(benchmark::kMicrosecond);
+BENCHMARK(EngineFastBench)->Arg(2)->Arg(4)->Arg(6)->Arg(8)->Unit(benchmark::kMicrosecond);

@@ -49,18 +49,31 @@ TEST_F(EngineDeathTest, RealShortageOfMemoryIsReported) {
 }
 #endif
 
-// Each slot is taken the first time the stack reaches it; later searches take nothing.
-TEST_F(EngineTest, SearchTakesSlotsOnceAndReusesThem) {
-  EngineChooseAndPlay(0, 4);
+// Each slot is taken the first time the stack reaches it; later pushes take nothing. The
+// reference search reaches every slot up to its depth.
+TEST_F(EngineTest, PushesTakeSlotsOnceAndReuseThem) {
+  PlainEngineChooseAndPlay(0, 4);
   EXPECT_EQ(Engine.PositionStack.SlotsWithArrays, 5);
   EngineAllocationsLeft = 1000;
   EnginePlay(1, 0);
-  EngineChooseAndPlay(0, 4);
-  EngineChooseAndPlay(1, 2);
+  PlainEngineChooseAndPlay(0, 4);
+  PlainEngineChooseAndPlay(1, 2);
   EXPECT_EQ(EngineAllocationsLeft, 1000);
-  EngineChooseAndPlay(0, 6);
+  PlainEngineChooseAndPlay(0, 6);
   EXPECT_EQ(Engine.PositionStack.SlotsWithArrays, 7);
   EXPECT_LT(EngineAllocationsLeft, 1000);
+}
+
+// The game's search works on memory taken when the engine game starts: with no block left to
+// hand out, a whole game of searches runs, the deepest (16) once few cells are left.
+TEST_F(EngineTest, SearchTakesNoMemory) {
+  EngineAllocationsLeft = 0;
+  int32_t side = 0;
+  while (EngineChooseAndPlay(side, Engine.PositionStack.Current->pieceCount < 40 ? 6 : 16)) {
+    side = 1 - side;
+  }
+  EXPECT_TRUE(EngineBoardFull());
+  EXPECT_EQ(Engine.PositionStack.SlotsWithArrays, 1);
 }
 
 // Every block of a game is given back; run under valgrind or LeakSanitizer as well.

@@ -1,5 +1,6 @@
 // Setting up and giving back an engine game: dimensions, the numbered winning lines and the map
-// from cells to lines, the search's column order, the base position and the position stack.
+// from cells to lines, the search's column order, the base position and the position stack, and
+// the search's own board (engine_search_board.cpp).
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -36,8 +37,7 @@ void* AllocOrDie(int32_t size) {
   return block;
 }
 
-// Gives back a block taken with AllocOrDie; nothing for a null pointer.
-static void GiveBack(void* block) {
+void GiveBack(void* block) {
   if (block == nullptr) return;
   std::free(block);
   --EngineBlocksHeld;
@@ -150,11 +150,13 @@ void EngineStart(int32_t width, int32_t height, int32_t lineLength) {
   ClearBasePosition();
   BuildLineMap();
   BuildColumnOrder();
+  BuildSearchBoard();
 }
 
 // Gives back every block of the current engine game; the dimensions stay. Harmless when no
 // engine game is open.
 void EngineRelease() {
+  GiveBackSearchBoard();
   if (Engine.LineMap != nullptr) {
     for (int32_t c = 0; c < Engine.NominalWidth; ++c) {
       for (int32_t r = 0; r < Engine.Height; ++r) GiveBack(Engine.LineMap[c][r]);
