@@ -25,3 +25,7 @@ constexpr size_t kMaxCaseBytes = 4096;
 // border checked empty when `border` is set, and the text buffer checked terminated. Returns an
 // empty string or what is wrong.
 std::string CheckSessionInvariants(bool border);
+
+// A fresh folder under /tmp for one fuzz run, named after `target`, removed again when the
+// process exits. Ends the process when no folder can be made.
+std::string MakeScratchFolder(const char* target);

@@ -1,9 +1,6 @@
 // Fuzz target: any bytes as a script of the headless driver.
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include "cases.h"
@@ -12,18 +9,10 @@ namespace {
 
 std::string Folder;
 
-void RemoveFolder() {
-  std::error_code error;
-  std::filesystem::remove_all(Folder, error);
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  char name[] = "/tmp/kalvero-driver-fuzz-XXXXXX";
-  if (mkdtemp(name) == nullptr) std::abort();
-  Folder = name;
-  std::atexit(RemoveFolder);
+  Folder = MakeScratchFolder("driver-fuzz");
   return 0;
 }
 

@@ -1,4 +1,8 @@
+#include <unistd.h>
+
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "cases.h"
@@ -52,4 +56,23 @@ std::string CheckSessionInvariants(bool border) {
     }
   }
   return {};
+}
+
+namespace {
+
+std::string ScratchFolder;
+
+void RemoveScratchFolder() {
+  std::error_code error;
+  std::filesystem::remove_all(ScratchFolder, error);
+}
+
+}  // namespace
+
+std::string MakeScratchFolder(const char* target) {
+  std::string name = std::string("/tmp/kalvero-") + target + "-XXXXXX";
+  if (mkdtemp(name.data()) == nullptr) std::abort();
+  ScratchFolder = name;
+  std::atexit(RemoveScratchFolder);
+  return ScratchFolder;
 }

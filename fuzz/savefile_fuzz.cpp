@@ -1,9 +1,6 @@
 // Fuzz target: any bytes as the save file, then a few games and the file written again.
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include "cases.h"
@@ -13,18 +10,10 @@ namespace {
 
 std::string Folder;
 
-void RemoveFolder() {
-  std::error_code error;
-  std::filesystem::remove_all(Folder, error);
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  char name[] = "/tmp/kalvero-savefile-fuzz-XXXXXX";
-  if (mkdtemp(name) == nullptr) std::abort();
-  Folder = name;
-  std::atexit(RemoveFolder);
+  Folder = MakeScratchFolder("savefile-fuzz");
   return 0;
 }
 
