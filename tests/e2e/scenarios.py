@@ -631,6 +631,27 @@ def settings_in_range(save: SaveFile) -> list[str]:
 
 
 @scenario
+def largest_board_challenge(run: Run) -> None:
+    """19 x 19 at Dur with Challenge: the computer's six-ply reply follows the click at once."""
+    cells = 19
+    game = started(run, SaveFile.initial().with_settings(BoardSize=cells + 1, Level=2,
+                                                          Challenge=1))
+    main = game.main()
+    check(main.size == (30 * (cells + 1) + 61, 30 * (cells + 1) + 79),
+          f"the window is {main.size} for {cells} cells")
+    clicked = time.monotonic()
+    game.click_logical(main, 30 * 10 + 15, 300)
+    # The straightforward look-ahead needs about a minute here: a reply within the bounded wait
+    # shows that the game plays with the fast one.
+    view = game.wait_board("the reply on the largest board",
+                           lambda v: colours(v.pieces(cells)) == {"green": 1, "red": 1}, 20.0)
+    run.env.log(f"e2e: largest_board_challenge: reply shown {time.monotonic() - clicked:.2f} s "
+                "after the click")
+    check(view.pieces(cells).get((10, cells)) == "green", "the clicked column 10 holds no piece")
+    game.shot("reply")
+
+
+@scenario
 def damaged_save_files(run: Run) -> None:
     """Empty, short, out-of-range and garbage save files: the program starts as usual."""
     for what, stored in DAMAGED_FILES:
