@@ -78,18 +78,19 @@ TEST_F(BoardPlanTest, SevenCellBoardGeometry) {
     EXPECT_EQ(lines[2 * k - 1].From, (PixelPoint{30 * k, 30}));
     EXPECT_EQ(lines[2 * k - 1].To, (PixelPoint{30 * k, 240}));
   }
-  const DrawOp* challenge = TextOp(frame, "Challenge");
-  ASSERT_NE(challenge, nullptr);
-  EXPECT_EQ(challenge->At, (PixelPoint{231, 248}));
-  EXPECT_EQ(challenge->Colour, Rgb(255, 0, 0));
-  const DrawOp* status = TextOp(frame, "Facile");
-  ASSERT_NE(status, nullptr);
-  EXPECT_EQ(status->At, (PixelPoint{0, 248}));
-  EXPECT_EQ(status->Colour, Rgb(255, 128, 0));
-  const DrawOp* title = TextOp(frame, "Kalvero 4 v5.5 - Joueur 1");
-  ASSERT_NE(title, nullptr);
-  EXPECT_EQ(title->At, (PixelPoint{60, 0}));
-  EXPECT_EQ(title->Colour, Rgb(255, 192, 0));
+  struct Text {
+    const char* text;
+    PixelPoint at;
+    uint32_t colour;
+  };
+  for (const Text& t :
+       {Text{"Challenge", {231, 248}, Rgb(255, 0, 0)}, Text{"Facile", {0, 248}, Rgb(255, 128, 0)},
+        Text{"Kalvero 4 v5.5 - Joueur 1", {60, 0}, Rgb(255, 192, 0)}}) {
+    const DrawOp* op = TextOp(frame, t.text);
+    ASSERT_NE(op, nullptr) << t.text;
+    EXPECT_EQ(op->At, t.at) << t.text;
+    EXPECT_EQ(op->Colour, t.colour) << t.text;
+  }
   const DrawOp portrait = OfKind(frame, DrawKind::Bitmap).back();
   EXPECT_EQ(portrait.Resource, 30000);
   EXPECT_EQ(portrait.Rect, (PixelRect{250, 120, 31, 30}));
@@ -101,12 +102,12 @@ TEST_F(BoardPlanTest, BackgroundIsLaidBeforeAnythingElse) {
   SessionState.LogicalHeight = 254;
   const DrawList frame = GridFrame();
   ASSERT_GE(frame.size(), 3u);
-  EXPECT_EQ(frame[0].Kind, DrawKind::FillBlack);
-  EXPECT_EQ(frame[0].Rect, (PixelRect{0, 0, 293, 254}));
-  EXPECT_EQ(frame[1].Kind, DrawKind::CopyBackground);
-  EXPECT_EQ(frame[1].Rect, (PixelRect{0, 0, 293, 254}));
-  EXPECT_EQ(frame[2].Kind, DrawKind::FillBlack);
-  EXPECT_EQ(frame[2].Rect, (PixelRect{0, 0, 293, 1}));
+  const DrawKind kinds[] = {DrawKind::FillBlack, DrawKind::CopyBackground, DrawKind::FillBlack};
+  const PixelRect rects[] = {{0, 0, 293, 254}, {0, 0, 293, 254}, {0, 0, 293, 1}};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(frame[i].Kind, kinds[i]) << i;
+    EXPECT_EQ(frame[i].Rect, rects[i]) << i;
+  }
   EXPECT_EQ(TextOp(frame, "Challenge"), nullptr);
 }
 
@@ -115,12 +116,10 @@ TEST_F(BoardPlanTest, TitleAndPortraitFollowTheBoardSize) {
     int32_t boardSize, characterId, titleX;
     PixelRect portrait;
   };
-  const Case cases[] = {
-      {5, 0, 0, {160, 75, 31, 30}},
-      {6, 10, 36, {190, 90, 23, 68}},
-      {11, 4, 96, {340, 165, 19, 39}},
-      {20, 13, 204, {610, 300, 32, 32}},
-  };
+  // clang-format off
+  const Case cases[] = {{5, 0, 0, {160, 75, 31, 30}}, {6, 10, 36, {190, 90, 23, 68}},
+                        {11, 4, 96, {340, 165, 19, 39}}, {20, 13, 204, {610, 300, 32, 32}}};
+  // clang-format on
   for (const Case& c : cases) {
     SessionState.BoardSize = c.boardSize;
     SessionState.CharacterId = c.characterId;
@@ -139,20 +138,14 @@ TEST_F(BoardPlanTest, MarkedCellsGetTheirBrushAndAtMostOnePiece) {
     uint8_t value;
     CellLook look;
   };
+  const CellLook marked{CellBrush::LightGreen, 0, ""};
+  // clang-format off
   const Case cases[] = {
-      {0, {}},
-      {1, {CellBrush::None, IDB_DISC_GREEN, ""}},
-      {2, {CellBrush::None, IDB_DISC_RED, ""}},
-      {3, {}},
-      {15, {}},
-      {16, {CellBrush::LightGreen, 0, ""}},
-      {17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
-      {18, {CellBrush::Gold, IDB_DISC_RED, ""}},
-      {19, {CellBrush::LightGreen, 0, ""}},
-      {33, {CellBrush::LightGreen, 0, ""}},
-      {48, {CellBrush::LightGreen, 0, ""}},
-      {49, {}},
+    {0, {}}, {1, {CellBrush::None, IDB_DISC_GREEN, ""}}, {2, {CellBrush::None, IDB_DISC_RED, ""}},
+    {3, {}}, {15, {}}, {16, marked}, {17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
+    {18, {CellBrush::Gold, IDB_DISC_RED, ""}}, {19, marked}, {33, marked}, {48, marked}, {49, {}},
   };
+  // clang-format on
   for (const Case& c : cases) {
     Grid[3][5] = c.value;
     EXPECT_EQ(LookAt(GridFrame(), 3, 5), c.look) << int(c.value);
@@ -163,12 +156,11 @@ TEST_F(BoardPlanTest, SpriteIsDrawnOverItsMask) {
   Grid[2][7] = 1;
   const std::vector<DrawOp> bitmaps = OfKind(GridFrame(), DrawKind::Bitmap);
   ASSERT_EQ(bitmaps.size(), 3u);  // mask, sprite, portrait
-  EXPECT_EQ(bitmaps[0].Resource, IDB_DISC_MASK);
-  EXPECT_EQ(bitmaps[0].Raster, RasterOp::And);
-  EXPECT_EQ(bitmaps[0].Rect, (PixelRect{66, 216, 20, 20}));
-  EXPECT_EQ(bitmaps[1].Resource, IDB_DISC_GREEN);
-  EXPECT_EQ(bitmaps[1].Raster, RasterOp::Or);
-  EXPECT_EQ(bitmaps[1].Rect, (PixelRect{66, 216, 20, 20}));
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(bitmaps[i].Resource, i == 0 ? IDB_DISC_MASK : IDB_DISC_GREEN);
+    EXPECT_EQ(bitmaps[i].Raster, i == 0 ? RasterOp::And : RasterOp::Or);
+    EXPECT_EQ(bitmaps[i].Rect, (PixelRect{66, 216, 20, 20}));
+  }
 }
 
 TEST_F(BoardPlanTest, UpsideDownBoardShowsTheLowestRowOnTop) {
@@ -190,35 +182,26 @@ TEST_F(BoardPlanTest, PieceByPlayerCharacterStrategyAndOptions) {
     int32_t player, characterId, aiNumber, showImages, customColours;
     CellLook look;
   };
+  const auto disc = [](int32_t sprite) { return CellLook{CellBrush::None, sprite, ""}; };
+  const auto letter = [](const char* text) { return CellLook{CellBrush::None, 0, text}; };
   const CellLook none{};
+  // The human: red for the character 12, else green, or the letter X. The computer's letters
+  // are hidden by strategy 12, whoever is shown. Red for characters 0 and 4 or without own
+  // colours; the characters' colours otherwise. Any other player value draws nothing.
+  // clang-format off
   const Case cases[] = {
-      // The human: red for the character 12, else green, or the letter X.
-      {1, 12, 0, 0, 0, {CellBrush::None, IDB_DISC_RED, ""}},
-      {1, 0, 0, 1, 1, {CellBrush::None, IDB_DISC_GREEN, ""}},
-      {1, 5, 12, 0, 1, {CellBrush::None, 0, "X"}},
-      // The computer's letters are hidden by strategy 12, whoever is shown.
-      {2, 3, 12, 0, 1, none},
-      {2, 12, 0, 0, 1, {CellBrush::None, 0, "O"}},
-      // Red for characters 0 and 4 or without own colours; the characters' colours otherwise.
-      {2, 6, 0, 1, 0, {CellBrush::None, IDB_DISC_RED, ""}},
-      {2, 0, 0, 1, 1, {CellBrush::None, IDB_DISC_RED, ""}},
-      {2, 4, 0, 1, 1, {CellBrush::None, IDB_DISC_RED, ""}},
-      {2, 1, 0, 1, 1, {CellBrush::None, IDB_DISC_BLUE, ""}},
-      {2, 7, 0, 1, 1, {CellBrush::None, IDB_DISC_BLUE, ""}},
-      {2, 12, 0, 1, 1, {CellBrush::None, IDB_DISC_BLUE, ""}},
-      {2, 2, 0, 1, 1, {CellBrush::None, IDB_DISC_ORANGE, ""}},
-      {2, 9, 0, 1, 1, {CellBrush::None, IDB_DISC_ORANGE, ""}},
-      {2, 3, 0, 1, 1, {CellBrush::None, IDB_DISC_SILVER, ""}},
-      {2, 11, 0, 1, 1, {CellBrush::None, IDB_DISC_SILVER, ""}},
-      {2, 5, 0, 1, 1, {CellBrush::None, IDB_DISC_YELLOW, ""}},
-      {2, 13, 0, 1, 1, {CellBrush::None, IDB_DISC_YELLOW, ""}},
-      {2, 6, 0, 1, 1, {CellBrush::None, IDB_DISC_MAGENTA, ""}},
-      {2, 8, 0, 1, 1, {CellBrush::None, IDB_DISC_CYAN, ""}},
-      {2, 10, 0, 1, 1, {CellBrush::None, IDB_DISC_VIOLET, ""}},
-      // Any other player value draws nothing.
-      {0, 1, 0, 1, 1, none},
-      {3, 1, 0, 1, 1, none},
+    {1, 12, 0, 0, 0, disc(IDB_DISC_RED)}, {1, 0, 0, 1, 1, disc(IDB_DISC_GREEN)},
+    {1, 5, 12, 0, 1, letter("X")}, {2, 3, 12, 0, 1, none}, {2, 12, 0, 0, 1, letter("O")},
+    {2, 6, 0, 1, 0, disc(IDB_DISC_RED)}, {2, 0, 0, 1, 1, disc(IDB_DISC_RED)},
+    {2, 4, 0, 1, 1, disc(IDB_DISC_RED)}, {2, 1, 0, 1, 1, disc(IDB_DISC_BLUE)},
+    {2, 7, 0, 1, 1, disc(IDB_DISC_BLUE)}, {2, 12, 0, 1, 1, disc(IDB_DISC_BLUE)},
+    {2, 2, 0, 1, 1, disc(IDB_DISC_ORANGE)}, {2, 9, 0, 1, 1, disc(IDB_DISC_ORANGE)},
+    {2, 3, 0, 1, 1, disc(IDB_DISC_SILVER)}, {2, 11, 0, 1, 1, disc(IDB_DISC_SILVER)},
+    {2, 5, 0, 1, 1, disc(IDB_DISC_YELLOW)}, {2, 13, 0, 1, 1, disc(IDB_DISC_YELLOW)},
+    {2, 6, 0, 1, 1, disc(IDB_DISC_MAGENTA)}, {2, 8, 0, 1, 1, disc(IDB_DISC_CYAN)},
+    {2, 10, 0, 1, 1, disc(IDB_DISC_VIOLET)}, {0, 1, 0, 1, 1, none}, {3, 1, 0, 1, 1, none},
   };
+  // clang-format on
   for (const Case& c : cases) {
     SessionState.CharacterId = c.characterId;
     SessionState.AiNumber = c.aiNumber;

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "dialogs/characters_logic.h"
 #include "dialogs/dialog_text.h"
@@ -24,22 +25,13 @@ TEST_F(DialogTest, NumbersAreReadLikeAtoi) {
     const char* text;
     int32_t value;
   };
+  // clang-format off
   const Case cases[] = {
-      {"", 0},
-      {"7", 7},
-      {"  12", 12},
-      {"\t-3", -3},
-      {"+5", 5},
-      {"19x", 19},
-      {"x19", 0},
-      {"- 4", 0},
-      {"--4", 0},
-      {"007", 7},
-      {"2147483647", INT_MAX},
-      {"99999999999", INT_MAX},
-      {"-2147483648", INT_MIN},
-      {"-99999999999", INT_MIN},
+    {"", 0}, {"7", 7}, {"  12", 12}, {"\t-3", -3}, {"+5", 5}, {"19x", 19}, {"x19", 0}, {"- 4", 0},
+    {"--4", 0}, {"007", 7}, {"2147483647", INT_MAX}, {"99999999999", INT_MAX},
+    {"-2147483648", INT_MIN}, {"-99999999999", INT_MIN},
   };
+  // clang-format on
   for (const Case& c : cases) EXPECT_EQ(ReadLeadingNumber(c.text), c.value) << c.text;
 }
 
@@ -49,19 +41,15 @@ TEST_F(DialogTest, CellsTypedGiveTheBoardSizeOrAQuestionOrTheRangeError) {
     CellsVerdict verdict;
     int32_t boardSize;
   };
+  constexpr CellsVerdict kOut = CellsVerdict::OutOfRange, kAsk = CellsVerdict::AskFirst,
+                         kAccept = CellsVerdict::Accept;
+  // clang-format off
   const Case cases[] = {
-      {"", CellsVerdict::OutOfRange, 1},
-      {"0", CellsVerdict::OutOfRange, 1},
-      {"-2", CellsVerdict::OutOfRange, -1},
-      {"abc", CellsVerdict::OutOfRange, 1},
-      {"1", CellsVerdict::AskFirst, 2},
-      {"3", CellsVerdict::AskFirst, 4},
-      {"4", CellsVerdict::Accept, 5},
-      {"7", CellsVerdict::Accept, 8},
-      {"19", CellsVerdict::Accept, 20},
-      {"20", CellsVerdict::OutOfRange, 21},
-      {"2147483647", CellsVerdict::OutOfRange, INT_MAX},
+    {"", kOut, 1}, {"0", kOut, 1}, {"-2", kOut, -1}, {"abc", kOut, 1}, {"1", kAsk, 2},
+    {"3", kAsk, 4}, {"4", kAccept, 5}, {"7", kAccept, 8}, {"19", kAccept, 20}, {"20", kOut, 21},
+    {"2147483647", kOut, INT_MAX},
   };
+  // clang-format on
   for (const Case& c : cases) {
     int32_t boardSize = 0;
     EXPECT_EQ(CheckCellsText(c.text, &boardSize), c.verdict) << c.text;
@@ -74,10 +62,12 @@ TEST_F(DialogTest, ChallengeHoldsOnlyForOnePlayerAtDur) {
   struct Case {
     bool challenge, hard, twoPlayers, inconsistent;
   };
+  // clang-format off
   const Case cases[] = {
-      {false, false, false, false}, {false, true, true, false}, {true, true, false, false},
-      {true, false, false, true},   {true, true, true, true},   {true, false, true, true},
+    {false, false, false, false}, {false, true, true, false}, {true, true, false, false},
+    {true, false, false, true}, {true, true, true, true}, {true, false, true, true},
   };
+  // clang-format on
   for (const Case& c : cases) {
     EXPECT_EQ(ChallengeIsInconsistent(c.challenge, c.hard, c.twoPlayers), c.inconsistent)
         << c.challenge << c.hard << c.twoPlayers;
@@ -85,15 +75,14 @@ TEST_F(DialogTest, ChallengeHoldsOnlyForOnePlayerAtDur) {
 }
 
 TEST_F(DialogTest, LevelGroupIsRelabelledByMode) {
-  const LevelLabels& one = LevelLabelsFor(false);
-  const LevelLabels& two = LevelLabelsFor(true);
-  EXPECT_STREQ(one.Group, "Niveau");
-  EXPECT_STREQ(two.Group, "Stats");
-  const char* oneLevels[] = {"Facile", "Normal", "Dur"};
-  const char* twoLevels[] = {"Case 1", "Case 2", "Case 3"};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_STREQ(one.Levels[i], oneLevels[i]);
-    EXPECT_STREQ(two.Levels[i], twoLevels[i]);
+  const char* expected[2][4] = {{"Niveau", "Facile", "Normal", "Dur"},
+                                {"Stats", "Case 1", "Case 2", "Case 3"}};
+  for (bool twoPlayers : {false, true}) {
+    const LevelLabels& labels = LevelLabelsFor(twoPlayers);
+    const char* const* want = expected[twoPlayers];
+    EXPECT_EQ(std::vector<std::string>(
+                  {labels.Group, labels.Levels[0], labels.Levels[1], labels.Levels[2]}),
+              std::vector<std::string>(want, want + 4));
   }
 }
 
@@ -103,12 +92,15 @@ TEST_F(DialogTest, AcceptingWritesTheChoicesAndTheStoredSquareSettingAtFirstStar
     int32_t firstPaint;
     int32_t gameMode, level, challenge, alwaysSquare;
   };
+  // First start: slot 10 applies; later the option stays. The last: two players, second slot.
+  // clang-format off
   const Case cases[] = {
-      {{8, false, true, true, false}, 1, 1, 0, 0, 1},  // first start: slot 10 applies
-      {{8, false, true, true, false}, 0, 1, 0, 0, 0},  // later: the option stays
-      {{12, true, true, false, false}, 0, 1, 2, 1, 0},
-      {{5, false, false, false, true}, 0, 2, 1, 0, 0},  // two players, second slot
+    {{8, false, true, true, false}, 1, 1, 0, 0, 1},
+    {{8, false, true, true, false}, 0, 1, 0, 0, 0},
+    {{12, true, true, false, false}, 0, 1, 2, 1, 0},
+    {{5, false, false, false, true}, 0, 2, 1, 0, 0},
   };
+  // clang-format on
   for (const Case& c : cases) {
     ResetAllGlobals();
     SettingsBlock[kAlwaysSquareSlot] = 1;
@@ -116,13 +108,10 @@ TEST_F(DialogTest, AcceptingWritesTheChoicesAndTheStoredSquareSettingAtFirstStar
     SessionState.FirstPaint = c.firstPaint;
     AcceptHomeChoice(c.choice);
     const SessionRecord& s = SessionState;
-    EXPECT_EQ(s.BoardSize, c.choice.BoardSize);
-    EXPECT_EQ(s.GameMode, c.gameMode);
-    EXPECT_EQ(s.Level, c.level);
-    EXPECT_EQ(s.Challenge, c.challenge);
-    EXPECT_EQ(s.AlwaysSquare, c.alwaysSquare);
-    EXPECT_EQ(s.HomeDialogOpen, 0);
-    EXPECT_EQ(s.FirstPaint, 0);
+    EXPECT_EQ((std::vector<int32_t>{s.BoardSize, s.GameMode, s.Level, s.Challenge, s.AlwaysSquare,
+                                    s.HomeDialogOpen, s.FirstPaint}),
+              (std::vector<int32_t>{c.choice.BoardSize, c.gameMode, c.level, c.challenge,
+                                    c.alwaysSquare, 0, 0}));
   }
 }
 
@@ -140,8 +129,12 @@ TEST_F(DialogTest, StrategyNumberIsReadFromTwoCharactersAtMost) {
     const char* text;
     int32_t value;
   };
-  const Case cases[] = {{"", 0},    {"0", 0},  {"13", 13}, {"100", 10}, {"-1", -1},
-                        {"99", 99}, {"7a", 7}, {" 5", 5},  {"a5", 0},   {"-12", -1}};
+  // clang-format off
+  const Case cases[] = {
+    {"", 0}, {"0", 0}, {"13", 13}, {"100", 10}, {"-1", -1}, {"99", 99}, {"7a", 7}, {" 5", 5},
+    {"a5", 0}, {"-12", -1},
+  };
+  // clang-format on
   for (const Case& c : cases) EXPECT_EQ(ReadStrategyNumber(c.text), c.value) << c.text;
 }
 
@@ -159,13 +152,15 @@ TEST_F(DialogTest, CharactersOkTakesEverythingThenJudgesTheStrategy) {
     StrategyVerdict verdict;
     int32_t aiNumber;
   };
+  constexpr StrategyVerdict kOk = StrategyVerdict::Accept, kOut = StrategyVerdict::OutOfRange;
+  // Strategy 10 on seven cells a side is accepted; on any other board it asks first.
+  // clang-format off
   const Case cases[] = {
-      {8, "0", StrategyVerdict::Accept, 0},           {8, "", StrategyVerdict::Accept, 0},
-      {12, "13", StrategyVerdict::Accept, 13},        {8, "14", StrategyVerdict::OutOfRange, 14},
-      {8, "99", StrategyVerdict::OutOfRange, 99},     {8, "-1", StrategyVerdict::OutOfRange, -1},
-      {8, "10", StrategyVerdict::Accept, 10},  // seven cells a side already
-      {12, "100", StrategyVerdict::AskCocoBoard, 10},
+    {8, "0", kOk, 0}, {8, "", kOk, 0}, {12, "13", kOk, 13}, {8, "14", kOut, 14},
+    {8, "99", kOut, 99}, {8, "-1", kOut, -1}, {8, "10", kOk, 10},
+    {12, "100", StrategyVerdict::AskCocoBoard, 10},
   };
+  // clang-format on
   for (const Case& c : cases) {
     ResetAllGlobals();
     SessionState.BoardSize = c.boardSize;
@@ -195,41 +190,41 @@ TEST_F(DialogTest, ShareOfWinsIsFormattedWithTwoDecimals) {
     uint16_t won, lost;
     const char* text;
   };
+  // clang-format off
   const Case cases[] = {
-      {0, 0, "Moyennant:\t\t 0.00%"},       {3, 0, "Moyennant:\t\t 100.00%"},
-      {1, 2, "Moyennant:\t\t 33.33%"},      {1, 199, "Moyennant:\t\t 0.50%"},
-      {0, 5, "Moyennant:\t\t 0.00%"},       {2, 1, "Moyennant:\t\t 66.67%"},
-      {65535, 1, "Moyennant:\t\t 100.00%"},
+    {0, 0, "0.00%"}, {3, 0, "100.00%"}, {1, 2, "33.33%"}, {1, 199, "0.50%"}, {0, 5, "0.00%"},
+    {2, 1, "66.67%"}, {65535, 1, "100.00%"},
   };
-  for (const Case& c : cases) EXPECT_EQ(ShareOfWinsText(c.won, c.lost), c.text);
+  // clang-format on
+  for (const Case& c : cases) {
+    EXPECT_EQ(ShareOfWinsText(c.won, c.lost), std::string("Moyennant:\t\t ") + c.text);
+  }
 }
 
 TEST_F(DialogTest, VerdictChangesAtEveryFifthPercent) {
   // Won and lost out of 100 decided games give the percentage itself.
   std::string expected[101];
-  const std::string verdicts[21] = {
-      "Vraiment nul!",
-      "Tu ne sait pas jouer?",
-      "Argh... Trop déçu!",
-      "Hm... Ca s'améliore pas!",
-      "Non. Ce n'est pas bon.",
-      "Bof. Très médiocre.",
-      "Décevant...",
-      "A la limite. Ca va mieux!",
-      "Ca commence à venir!?",
-      "Continue à bosser!",
-      "Moyen. Mais pas trop mal!",
-      "Pas mal, mais ne t'arrête pas!",
-      "Vas-y! Continue!",
-      "De mieux en mieux!",
-      "Chouette! Ca c'est beau!",
-      "Hey! Molo avec l'ordi là!",
-      "Très bien!",
-      "Excellent!",
-      "Vraiment superbe!",
-      "Cherche toi un autre adversaire!",
-      "Ca c'est ben la mort qui tue!",
-  };
+  const std::string verdicts[21] = {"Vraiment nul!",
+                                    "Tu ne sait pas jouer?",
+                                    "Argh... Trop déçu!",
+                                    "Hm... Ca s'améliore pas!",
+                                    "Non. Ce n'est pas bon.",
+                                    "Bof. Très médiocre.",
+                                    "Décevant...",
+                                    "A la limite. Ca va mieux!",
+                                    "Ca commence à venir!?",
+                                    "Continue à bosser!",
+                                    "Moyen. Mais pas trop mal!",
+                                    "Pas mal, mais ne t'arrête pas!",
+                                    "Vas-y! Continue!",
+                                    "De mieux en mieux!",
+                                    "Chouette! Ca c'est beau!",
+                                    "Hey! Molo avec l'ordi là!",
+                                    "Très bien!",
+                                    "Excellent!",
+                                    "Vraiment superbe!",
+                                    "Cherche toi un autre adversaire!",
+                                    "Ca c'est ben la mort qui tue!"};
   expected[0] = verdicts[0];
   for (int p = 1; p <= 100; ++p) expected[p] = verdicts[p >= 96 ? 20 : (p + 4) / 5];
   for (int p = 0; p < 100; ++p) {
@@ -242,8 +237,12 @@ TEST_F(DialogTest, VerdictChangesAtEveryFifthPercent) {
     uint16_t won, lost;
     int verdict;
   };
-  const Case cases[] = {{0, 0, 0},   {5, 0, 20},  {1, 199, 0}, {1, 2, 7},
-                        {19, 1, 19}, {99, 1, 20}, {1, 0, 20},  {0, 3, 0}};
+  // clang-format off
+  const Case cases[] = {
+    {0, 0, 0}, {5, 0, 20}, {1, 199, 0}, {1, 2, 7}, {19, 1, 19}, {99, 1, 20}, {1, 0, 20},
+    {0, 3, 0},
+  };
+  // clang-format on
   for (const Case& c : cases) {
     EXPECT_EQ(ToUtf8(VerdictFor(c.won, c.lost)), verdicts[c.verdict]) << c.won << "/" << c.lost;
   }
@@ -254,11 +253,12 @@ TEST_F(DialogTest, StatsTextsShowTheRecordOfTheCurrentSection) {
     int32_t gameMode, aiNumber, level, challenge, section;
     const char* mode;
   };
+  // clang-format off
   const Case cases[] = {
-      {1, 0, 2, 1, 3, "1 joueurs (section 4)"},
-      {2, 0, 2, 0, 58, "2 joueurs (section 59)"},
-      {1, 13, 0, 0, 52, "1 joueurs (section 53)"},
+    {1, 0, 2, 1, 3, "1 joueurs (section 4)"}, {2, 0, 2, 0, 58, "2 joueurs (section 59)"},
+    {1, 13, 0, 0, 52, "1 joueurs (section 53)"},
   };
+  // clang-format on
   for (const Case& c : cases) {
     ResetAllGlobals();
     SessionState.GameMode = c.gameMode;

@@ -75,16 +75,6 @@ inline void RestoreBasePosition(const PositionCopy& copy, int32_t pieceCount) {
   s->pieceCount = pieceCount;
 }
 
-// The engine's own value for p of playing an open column on the current position, searched to
-// depth with the widest bounds.
-inline int32_t MoveValue(int32_t p, int32_t column, int32_t depth) {
-  PushPosition();
-  DropPiece(p, column);
-  const int32_t v = SearchValue(p, depth, -kEngineInfinity, kEngineInfinity);
-  PopPosition();
-  return v;
-}
-
 // The value of the current position for p (who has just moved) by plain negamax without
 // cut-offs: the oracle against which the pruned search is checked.
 inline int32_t ExactValue(int32_t p, int32_t depth) {
@@ -96,18 +86,20 @@ inline int32_t ExactValue(int32_t p, int32_t depth) {
     if (DropPiece(1 - p, c) >= 0) {
       const int32_t v =
           stack.Current->winner == 1 - p ? kEngineInfinity - stack.Top : ExactValue(1 - p, depth);
-      if (v > best) best = v;
+      best = std::max(best, v);
     }
     PopPosition();
   }
   return -best;
 }
 
-// The exact value for p of playing an open column on the current position, searched to depth.
-inline int32_t ExactMoveValue(int32_t p, int32_t column, int32_t depth) {
+// The value for p of playing an open column on the current position, searched to depth: by the
+// engine's own search with the widest bounds, or exactly.
+inline int32_t MoveValue(int32_t p, int32_t column, int32_t depth, bool exact = false) {
   PushPosition();
   DropPiece(p, column);
-  const int32_t v = ExactValue(p, depth);
+  const int32_t v =
+      exact ? ExactValue(p, depth) : SearchValue(p, depth, -kEngineInfinity, kEngineInfinity);
   PopPosition();
   return v;
 }

@@ -21,13 +21,10 @@ void PlayAShortGame() {
 
 using EngineDeathTest = EngineTest;
 
-TEST_F(EngineDeathTest, FailedAllocationPrintsTheSizeAndExitsWithStatus1) {
+TEST_F(EngineDeathTest, RunningOutAnywhereInAGameEndsTheProcess) {
   EngineAllocationsLeft = 0;
   EXPECT_EXIT(AllocOrDie(12345), ::testing::ExitedWithCode(1),
               "^kv: emalloc\\(\\) - Can't allocate 12345 bytes\\.\n$");
-}
-
-TEST_F(EngineDeathTest, RunningOutAnywhereInAGameEndsTheProcess) {
   for (int32_t blocksLeft : {0, 3, 20, 64}) {
     EngineRelease();
     EngineAllocationsLeft = blocksLeft;

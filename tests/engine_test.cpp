@@ -6,7 +6,8 @@
 namespace {
 
 struct Cell {
-  int32_t column, row;
+  int32_t column = -1, row = -1;
+  bool operator==(const Cell&) const = default;
 };
 
 int32_t LinesThrough(Cell cell) {
@@ -29,13 +30,11 @@ TEST_F(EngineTest, StartsEmptyWithEveryLineOpen) {
   EXPECT_EQ(Engine.WinScore, 16);
   EXPECT_EQ(Engine.PlayableColumns, 7);
   EXPECT_EQ(Engine.PositionStack.Top, 0);
-  const EngineState& base = *Engine.PositionStack.Current;
+  const PositionCopy base = CopyCurrentPosition();
+  EXPECT_EQ(base.cells, std::vector<uint8_t>(49, kEngineEmpty));
   EXPECT_EQ(base.scoreTotal[0], 107);
   EXPECT_EQ(base.scoreTotal[1], 107);
   EXPECT_EQ(base.winner, kEngineNoWinner);
-  for (int32_t c = 0; c < 7; ++c) {
-    for (int32_t r = 0; r < 7; ++r) EXPECT_EQ(EngineBoardView()[c][r], kEngineEmpty);
-  }
   EXPECT_TRUE(EngineIsConsistent());
 }
 
@@ -102,9 +101,10 @@ TEST_F(EngineTest, ScoreTotalsFollowEachPiece) {
 }
 
 TEST_F(EngineTest, FirstCompletedLineDecidesTheWinnerForGood) {
-  for (int32_t i = 0; i < 3; ++i) EnginePlay(0, 2);
-  EXPECT_FALSE(EngineHasWon(0));
-  EnginePlay(0, 2);
+  for (int32_t i = 0; i < 4; ++i) {
+    EXPECT_FALSE(EngineHasWon(0));
+    EnginePlay(0, 2);
+  }
   EXPECT_TRUE(EngineHasWon(0));
   EXPECT_FALSE(EngineHasWon(1));
   EnginePlay(0, 2);
@@ -148,12 +148,9 @@ TEST_F(EngineTest, LineEndsOfTheWinnersLowestNumberedLine) {
     SetUp();
     PlayPicture(c.picture);
     ASSERT_TRUE(EngineHasWon(0));
-    Cell first{-1, -1}, last{-1, -1};
+    Cell first, last;
     EngineLineEnds(&first.column, &first.row, &last.column, &last.row);
-    EXPECT_EQ(first.column, c.first.column);
-    EXPECT_EQ(first.row, c.first.row);
-    EXPECT_EQ(last.column, c.last.column);
-    EXPECT_EQ(last.row, c.last.row);
+    EXPECT_TRUE(first == c.first && last == c.last) << *c.picture.begin();
   }
 }
 

@@ -39,61 +39,56 @@ const std::string kHomeQuestion =
     "L'acceuil n'est accessible qu'en début de partie!\nVous abandonnerez cette partie si vous "
     "continuez.\nÊtes-vous sûr(e)?";
 
-TEST_F(MenuLogicTest, RestartAsksOnlyForAGameInProgress) {
+// "&Recommencer", the home command and "&Quitter" on a game in each state: 0 nothing played,
+// 1 in progress, 2 decided.
+TEST_F(MenuLogicTest, CommandsAskOnlyForAGameInProgress) {
+  enum Command { Restart, Home, Quit };
   struct Case {
-    int32_t game;
-    int32_t answer;
-    bool asked;
+    Command command;
+    int32_t game, answer;
+    const std::string* question;  // nullptr: nothing asked
+    bool goesOn;                  // the command's answer: go on (Home) or quit (Quit)
     int32_t losses, played, repaints;
   };
+  const std::string* const lose = &kLoseQuestion;
+  const std::string* const home = &kHomeQuestion;
   const Case cases[] = {
-      {0, kAnswerYes, false, 0, 1, 0},  // nothing played: nothing at all
-      {1, kAnswerNo, true, 0, 1, 0},
-      {1, kAnswerYes, true, 1, 2, 1},
-      {2, kAnswerNo, false, 0, 2, 1},  // decided: a new game without asking
+      {Restart, 0, kAnswerYes, nullptr, true, 0, 1, 0},  // nothing played: nothing at all
+      {Restart, 1, kAnswerNo, lose, true, 0, 1, 0},
+      {Restart, 1, kAnswerYes, lose, true, 1, 2, 1},
+      {Restart, 2, kAnswerNo, nullptr, true, 0, 2, 1},  // decided: a new game without asking
+      {Home, 0, kAnswerYes, nullptr, true, 0, 1, 0},
+      {Home, 2, kAnswerNo, nullptr, true, 0, 1, 0},  // decided: nothing to abandon
+      {Home, 1, kAnswerNo, home, false, 0, 1, 0},
+      {Home, 1, kAnswerYes, home, true, 1, 2, 0},  // counted lost, then a new game
+      {Quit, 0, kAnswerNo, nullptr, true, 0, 1, 0},
+      {Quit, 2, kAnswerNo, nullptr, true, 0, 1, 0},
+      {Quit, 1, kAnswerNo, lose, false, 0, 1, 0},
+      {Quit, 1, kAnswerYes, lose, true, 1, 1, 0},
   };
   for (const Case& c : cases) {
     SetUp();
     GameIn(c.game);
     FakePlatform.Answers = {c.answer};
-    MenuRestart(0);
-    SCOPED_TRACE(testing::Message() << "game " << c.game << " answer " << c.answer);
-    ASSERT_EQ(FakePlatform.Questions.size(), c.asked ? 1u : 0u);
-    if (c.asked) {
-      EXPECT_EQ(ToUtf8(FakePlatform.Questions[0].c_str()), kLoseQuestion);
+    SCOPED_TRACE(testing::Message()
+                 << "command " << c.command << " game " << c.game << " answer " << c.answer);
+    bool goesOn = true;
+    if (c.command == Restart) MenuRestart(0);
+    if (c.command == Home) goesOn = MenuHomeStart(0);
+    if (c.command == Quit) {
+      goesOn = MenuQuit(0);
+      EXPECT_EQ(SessionState.QuitByMenu, goesOn ? 1 : 0);
+    }
+    EXPECT_EQ(goesOn, c.goesOn);
+    ASSERT_EQ(FakePlatform.Questions.size(), c.question ? 1u : 0u);
+    if (c.question) {
+      EXPECT_EQ(ToUtf8(FakePlatform.Questions[0].c_str()), *c.question);
     }
     EXPECT_EQ(Record(0).Lost, c.losses);
     EXPECT_EQ(Record(0).Played, c.played);
-    EXPECT_EQ(FakePlatform.RepaintRequests, c.repaints);
-    EndGame();
-  }
-}
-
-TEST_F(MenuLogicTest, HomeAbandonsAGameInProgressOnlyAfterYes) {
-  struct Case {
-    int32_t game;
-    int32_t answer;
-    bool goesOn, asked;
-    int32_t losses, played;
-  };
-  const Case cases[] = {
-      {0, kAnswerYes, true, false, 0, 1},
-      {2, kAnswerNo, true, false, 0, 1},  // decided: nothing to abandon
-      {1, kAnswerNo, false, true, 0, 1},
-      {1, kAnswerYes, true, true, 1, 2},  // counted lost, then a new game
-  };
-  for (const Case& c : cases) {
-    SetUp();
-    GameIn(c.game);
-    FakePlatform.Answers = {c.answer};
-    SCOPED_TRACE(testing::Message() << "game " << c.game << " answer " << c.answer);
-    EXPECT_EQ(MenuHomeStart(0), c.goesOn);
-    ASSERT_EQ(FakePlatform.Questions.size(), c.asked ? 1u : 0u);
-    if (c.asked) {
-      EXPECT_EQ(ToUtf8(FakePlatform.Questions[0].c_str()), kHomeQuestion);
+    if (c.command == Restart) {
+      EXPECT_EQ(FakePlatform.RepaintRequests, c.repaints);
     }
-    EXPECT_EQ(Record(0).Lost, c.losses);
-    EXPECT_EQ(Record(0).Played, c.played);
     EndGame();
   }
 }

@@ -24,6 +24,7 @@
 #include <sstream>
 #include <streambuf>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cases.h"
@@ -42,11 +43,12 @@ struct Options {
 
 // What the statistics must hold at the end, counted from the events the script caused.
 struct Expected {
-  uint64_t Played = 0, Won = 0, Lost = 0;
+  unsigned long long Played = 0, Won = 0, Lost = 0;
+  bool operator==(const Expected&) const = default;
 };
 
 struct Tally {
-  int64_t Games = 0, WonByOne = 0, WonByTwo = 0, NoWinner = 0, Unfinished = 0, Abandoned = 0;
+  long long Games = 0, WonByOne = 0, WonByTwo = 0, NoWinner = 0, Unfinished = 0, Abandoned = 0;
 };
 
 double ResidentMegabytes() {
@@ -94,23 +96,15 @@ class SoakScript : public std::streambuf {
     const SessionRecord& s = SessionState;
     if (playing_) {
       if (std::string broken = CheckSessionInvariants(true); !broken.empty()) Fail(broken, script_);
-      if (CeilingStruckOnTheHumansMove()) {
-        ++tally_.WonByTwo;
-        ++expected_.Played;
-        ++expected_.Lost;
-        playing_ = false;
-        return StartGame();
-      }
-      if (s.GameResult != 0 || turns_ >= turnLimit_) return EndGame();
-      if (s.GameStarted != 0 && Chance(300)) {  // "Recommencer" on a game in progress
-        ++tally_.Abandoned;
-        ++expected_.Played;
-        ++expected_.Lost;
-        Say("restart");
-        playing_ = false;
-        return;
-      }
-      return Turn();
+      const bool ceiling = CeilingStruckOnTheHumansMove();
+      if (!ceiling && (s.GameResult != 0 || turns_ >= turnLimit_)) return EndGame();
+      if (!ceiling && (s.GameStarted == 0 || !Chance(300))) return Turn();
+      // A ceiling struck, or "Recommencer" on a game in progress: one more game, lost.
+      ++(ceiling ? tally_.WonByTwo : tally_.Abandoned);
+      ++expected_.Played;
+      ++expected_.Lost;
+      playing_ = false;
+      return ceiling ? StartGame() : Say("restart");
     }
     if (tally_.Games == options_.Games) {
       if (!finished_) {  // one more game counts the result of the last one
@@ -126,16 +120,15 @@ class SoakScript : public std::streambuf {
   // The result of the game that ends is counted by the next new game.
   void Count() {
     ++expected_.Played;
-    if (SessionState.GameResult == 1) ++expected_.Won;
-    if (SessionState.GameResult == 2) ++expected_.Lost;
+    expected_.Won += SessionState.GameResult == 1;
+    expected_.Lost += SessionState.GameResult == 2;
   }
 
   void StartGame() {
     const SessionRecord& s = SessionState;
     ++tally_.Games;
     if (tally_.Games % options_.Report == 0) {
-      std::printf("games %lld: resident %.1f MB\n", static_cast<long long>(tally_.Games),
-                  ResidentMegabytes());
+      std::printf("games %lld: resident %.1f MB\n", tally_.Games, ResidentMegabytes());
       std::fflush(stdout);
     }
     script_.clear();
@@ -158,14 +151,13 @@ class SoakScript : public std::streambuf {
     // twelve columns and Challenge within eight.
     if (!PlaysWithEngine(ai) && level == 2) board = Draw(2, challenge != 0 ? 9 : 13);
     Say("seed " + std::to_string(random_()));
-    Say("set GameMode " + std::to_string(twoPlayers ? 2 : 1));
-    Say("set AiNumber " + std::to_string(ai));
-    Say("set Level " + std::to_string(level));
-    Say("set Challenge " + std::to_string(challenge));
-    Say("set BoardSize " + std::to_string(board));
-    Say("set CharacterId " + std::to_string(Draw(0, kRosterSize - 1)));
-    Say("set ShowImages " + std::to_string(Draw(0, 1)));
-    Say("set CustomColours " + std::to_string(Draw(0, 1)));
+    const int32_t character = Draw(0, kRosterSize - 1), images = Draw(0, 1), colours = Draw(0, 1);
+    const std::pair<const char*, int32_t> settings[] = {
+        {"GameMode", twoPlayers ? 2 : 1}, {"AiNumber", ai},          {"Level", level},
+        {"Challenge", challenge},         {"BoardSize", board},      {"CharacterId", character},
+        {"ShowImages", images},           {"CustomColours", colours}};
+    for (const auto& [field, value] : settings)
+      Say("set " + std::string(field) + " " + std::to_string(value));
     if (Chance(50)) Say("set PlayerName Joueur n°" + std::to_string(tally_.Games));
     Count();
     Say("newgame");
@@ -212,11 +204,9 @@ class SoakScript : public std::streambuf {
   }
 
   void EndGame() {
-    const int32_t result = SessionState.GameResult;
-    if (result == 1) ++tally_.WonByOne;
-    if (result == 2) ++tally_.WonByTwo;
-    if (result == 3) ++tally_.NoWinner;
-    if (result == 0) ++tally_.Unfinished;
+    long long* const byResult[] = {&tally_.Unfinished, &tally_.WonByOne, &tally_.WonByTwo,
+                                   &tally_.NoWinner};
+    ++*byResult[SessionState.GameResult];
     playing_ = false;
     Refill();
   }
@@ -231,12 +221,6 @@ class SoakScript : public std::streambuf {
   bool playing_ = false, finished_ = false;
   int32_t turns_ = 0, turnLimit_ = 0;
   StatsRecord before_{};  // the counters of the settings' record before the current turn
-};
-
-class NullBuffer : public std::streambuf {
- protected:
-  int_type overflow(int_type c) override { return traits_type::not_eof(c); }
-  std::streamsize xsputn(const char*, std::streamsize n) override { return n; }
 };
 
 Options ParseOptions(int argc, char** argv) {
@@ -271,8 +255,7 @@ int main(int argc, char** argv) {
   const auto started = std::chrono::steady_clock::now();
   SoakScript script(options);
   std::istream in(&script);
-  NullBuffer nowhere;
-  std::ostream out(&nowhere);
+  std::ostream out(nullptr);  // what the script prints is not kept
   std::ostringstream errors;
   const int status = RunDriverScript(in, out, errors);
   const double seconds =
@@ -295,24 +278,15 @@ int main(int argc, char** argv) {
       "games %lld in %.1f s: player 1 won %lld, player 2 won %lld, no winner %lld, unfinished "
       "%lld, abandoned %lld\nstatistics: played %llu, won %llu, lost %llu\npeak resident %.1f "
       "MB, now %.1f MB\n",
-      static_cast<long long>(t.Games), seconds, static_cast<long long>(t.WonByOne),
-      static_cast<long long>(t.WonByTwo), static_cast<long long>(t.NoWinner),
-      static_cast<long long>(t.Unfinished), static_cast<long long>(t.Abandoned),
-      static_cast<unsigned long long>(stored.Played), static_cast<unsigned long long>(stored.Won),
-      static_cast<unsigned long long>(stored.Lost), static_cast<double>(usage.ru_maxrss) / 1024.0,
+      t.Games, seconds, t.WonByOne, t.WonByTwo, t.NoWinner, t.Unfinished, t.Abandoned,
+      stored.Played, stored.Won, stored.Lost, static_cast<double>(usage.ru_maxrss) / 1024.0,
       ResidentMegabytes());
   // Each record's counters wrap at 65536; below that many games the sums are exact.
-  if (counted.Played < 65536 && (stored.Played != counted.Played || stored.Won != counted.Won ||
-                                 stored.Lost != counted.Lost)) {
+  if (counted.Played < 65536 && !(stored == counted)) {
     std::fprintf(stderr,
                  "kalvero4-soak: the statistics hold %llu/%llu/%llu played/won/lost, the games "
                  "gave %llu/%llu/%llu\n",
-                 static_cast<unsigned long long>(stored.Played),
-                 static_cast<unsigned long long>(stored.Won),
-                 static_cast<unsigned long long>(stored.Lost),
-                 static_cast<unsigned long long>(counted.Played),
-                 static_cast<unsigned long long>(counted.Won),
-                 static_cast<unsigned long long>(counted.Lost));
+                 stored.Played, stored.Won, stored.Lost, counted.Played, counted.Won, counted.Lost);
     return 1;
   }
   return 0;

@@ -83,11 +83,9 @@ class StoredValuesTest : public CoreTest {
   void TearDown() override { fs::remove(path_); }
 
   void Load(const std::vector<uint8_t>& stored) {
-    {
-      std::ofstream out(path_, std::ios::binary | std::ios::trunc);
-      out.write(reinterpret_cast<const char*>(stored.data()),
-                static_cast<std::streamsize>(stored.size()));
-    }
+    std::ofstream(path_, std::ios::binary | std::ios::trunc)
+        .write(reinterpret_cast<const char*>(stored.data()),
+               static_cast<std::streamsize>(stored.size()));
     ResetAllGlobals();
     LoadSaveFile(path_.c_str());
   }

@@ -12,7 +12,6 @@
 #include "grid_picture.h"
 #include "opponents/bridge.h"
 #include "render/frame_logic.h"
-#include "shell/menu_logic.h"
 #include "shell/platform.h"
 #include "shell/random.h"
 #include "shell/savefile.h"
@@ -54,29 +53,24 @@ class TurnFlowTest : public CoreTest {
   std::string status_;
 };
 
-TEST_F(TurnFlowTest, ClickPlaysTheColumnUnderThePointer) {
+TEST_F(TurnFlowTest, ClickPlaysTheColumnUnderThePointerAndRepaintsEvenWhenRefused) {
   NewGame();
+  PlayAt(MouseX);  // no pointer move yet: refused
+  EXPECT_EQ(Pieces(), 0);
+  EXPECT_EQ(SessionState.PendingTurn, 1);
+  EXPECT_EQ(FakePlatform.RepaintRequests, 1);
   MouseX = 95;
   PlayAt(MouseX);
   EXPECT_EQ(Grid[3][7], 1);
-  EXPECT_EQ(FakePlatform.RepaintRequests, 1);
-}
-
-TEST_F(TurnFlowTest, ClickWithoutPointerMoveIsRefused) {
-  NewGame();
-  PlayAt(MouseX);
-  EXPECT_EQ(Pieces(), 0);
-  EXPECT_EQ(SessionState.PendingTurn, 1);
-  EXPECT_EQ(FakePlatform.RepaintRequests, 1);  // a refused click still repaints
-  SessionState.AiNumber = 10;
-  PlayAt(MouseX);  // engine column -1
-  EXPECT_EQ(EnginePieces(), 0);
-  EXPECT_EQ(SessionState.EngineSideToMove, 1);
+  EXPECT_EQ(FakePlatform.RepaintRequests, 2);
 }
 
 TEST_F(TurnFlowTest, EngineClickPlaysTheColumnLeftOfTheGrids) {
   SessionState.AiNumber = 10;
   NewGame();
+  PlayAt(MouseX);  // no pointer move yet: engine column -1, refused
+  EXPECT_EQ(EnginePieces(), 0);
+  EXPECT_EQ(SessionState.EngineSideToMove, 1);
   PlayAt(95);  // engine column 95 / 30 - 1 = 2
   EXPECT_EQ(EngineBoardView()[2][0], 1);
   EXPECT_EQ(SessionState.EngineSideToMove, 0);
@@ -88,9 +82,7 @@ TEST_F(TurnFlowTest, EngineClickPlaysTheColumnLeftOfTheGrids) {
 TEST_F(TurnFlowTest, KeysNameColumnsFromOne) {
   struct Case {
     char Key;
-    int32_t BoardSize;
-    int32_t Column;  // where a piece lands, 0 for none
-    int32_t Repaints;
+    int32_t BoardSize, Column, Repaints;  // Column: where a piece lands, 0 for none
   };
   const Case cases[] = {{'1', 8, 1, 1},  {'7', 8, 7, 1}, {'8', 8, 0, 1},   {'9', 8, 0, 0},
                         {'0', 8, 0, 0},  {' ', 8, 0, 0}, {':', 11, 10, 1}, {';', 11, 0, 1},
@@ -113,13 +105,11 @@ TEST_F(TurnFlowTest, KeysNameColumnsFromOne) {
 }
 
 TEST_F(TurnFlowTest, EngineDepthFollowsLevelAndChallenge) {
-  const int32_t expected[2][3] = {{2, 4, 6}, {8, 8, 8}};
-  for (int32_t challenge = 0; challenge < 2; ++challenge) {
-    for (int32_t level = 0; level < 3; ++level) {
-      SessionState.Level = level;
-      SessionState.Challenge = challenge;
-      EXPECT_EQ(EngineSearchDepth(), expected[challenge][level]);
-    }
+  const int32_t expected[2][3] = {{2, 4, 6}, {8, 8, 8}};  // [Challenge][Level]
+  for (int32_t k = 0; k < 6; ++k) {
+    SessionState.Challenge = k / 3;
+    SessionState.Level = k % 3;
+    EXPECT_EQ(EngineSearchDepth(), expected[k / 3][k % 3]) << k;
   }
 }
 
@@ -306,32 +296,6 @@ TEST_F(CloseSessionTest, CountsAStartedGameOnceAndSaves) {
     EXPECT_EQ(FakePlatform.EndLoopCalls, 1);
     EXPECT_EQ(FakePlatform.EndLoopCode, 0);
     EXPECT_EQ(fs::file_size("Fichier de sauvegarde"), 1142u);
-  }
-}
-
-TEST_F(TurnFlowTest, RestartAsksOnlyForAGameInProgress) {
-  struct Case {
-    int32_t Started, Result, Answer;
-    size_t Questions;
-    int32_t Lost, Played, Repaints;
-  };
-  const Case cases[] = {
-      {0, 0, kAnswerYes, 0, 0, 1, 0},  // before any piece: nothing at all
-      {1, 0, kAnswerNo, 1, 0, 1, 0},   // No leaves everything as it was
-      {1, 0, kAnswerYes, 1, 1, 2, 1},  // Yes: one loss, one more game
-      {1, 2, kAnswerYes, 0, 1, 2, 1},  // a finished game: no question, its result counted
-  };
-  for (const Case& c : cases) {
-    ResetAllGlobals();
-    NewGame();
-    SessionState.GameStarted = c.Started;
-    SessionState.GameResult = c.Result;
-    FakePlatform.Answers = {c.Answer};
-    MenuRestart(StatsSection());
-    EXPECT_EQ(FakePlatform.Questions.size(), c.Questions);
-    EXPECT_EQ(StatsTable[0].Lost, c.Lost);
-    EXPECT_EQ(StatsTable[0].Played, c.Played);
-    EXPECT_EQ(FakePlatform.RepaintRequests, c.Repaints);
   }
 }
 
