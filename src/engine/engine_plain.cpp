@@ -41,7 +41,7 @@ int32_t PlainSearchValue(int32_t player, int32_t depth, int32_t alpha, int32_t b
 bool PlainEngineChooseAndPlay(int32_t player, int32_t depth, int32_t* column, int32_t* row) {
   assert(Engine.PositionStack.Top == 0 && depth >= 1 && depth < kEngineStackSlots);
   const int32_t p = player & 1;
-  int32_t best = -kEngineInfinity, chosen = -1, ties = 0;
+  RootChoice choice;
   for (int32_t i = 0; i < Engine.PlayableColumns; ++i) {
     const int32_t c = Engine.ColumnOrder[i];
     PushPosition();
@@ -52,23 +52,15 @@ bool PlainEngineChooseAndPlay(int32_t player, int32_t depth, int32_t* column, in
     ++EngineNodesSearched;
     if (Engine.PositionStack.Current->winner == p) {
       PopPosition();
-      chosen = c;
+      choice.Chosen = c;
       break;
     }
-    const int32_t value = PlainSearchValue(p, depth, -kEngineInfinity, -best);
-    if (value > best) {
-      best = value;
-      chosen = c;
-      ties = 1;
-    } else if (value == best) {
-      ++ties;
-      if (TakesTiedColumn(ties)) chosen = c;
-    }
+    ConsiderRootColumn(&choice, PlainSearchValue(p, depth, -kEngineInfinity, -choice.Best), c);
     PopPosition();
   }
-  if (chosen < 0) return false;
-  const int32_t landed = DropPiece(p, chosen);
-  if (column != nullptr) *column = chosen;
+  if (choice.Chosen < 0) return false;
+  const int32_t landed = DropPiece(p, choice.Chosen);
+  if (column != nullptr) *column = choice.Chosen;
   if (row != nullptr) *row = landed;
   return true;
 }

@@ -273,7 +273,7 @@ int32_t BoardValue(int32_t player, int32_t depth, int32_t alpha, int32_t beta) {
 template <bool kGame>
 int32_t ChooseColumn(int32_t p, int32_t depth) {
   const SearchBoardRecord& board = Engine.SearchBoard;
-  int32_t best = -kEngineInfinity, chosen = -1, ties = 0;
+  RootChoice choice;
   for (int32_t i = 0; i < Columns<kGame>(); ++i) {
     const int32_t c = Engine.ColumnOrder[i];
     if (ColumnFull<kGame>(c)) continue;
@@ -281,19 +281,13 @@ int32_t ChooseColumn(int32_t p, int32_t depth) {
     const BoardTotals before = SaveTotals();
     MakeMove<kGame>(p, c);
     const bool completes = board.Winner == p;
-    const int32_t value = completes ? 0 : BoardValue<kGame>(p, depth, -kEngineInfinity, -best);
+    const int32_t value =
+        completes ? 0 : BoardValue<kGame>(p, depth, -kEngineInfinity, -choice.Best);
     UnmakeMove<kGame>(p, c, before);
     if (completes) return c;
-    if (value > best) {
-      best = value;
-      chosen = c;
-      ties = 1;
-    } else if (value == best) {
-      ++ties;
-      if (TakesTiedColumn(ties)) chosen = c;
-    }
+    ConsiderRootColumn(&choice, value, c);
   }
-  return chosen;
+  return choice.Chosen;
 }
 
 }  // namespace

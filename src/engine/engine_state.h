@@ -107,6 +107,24 @@ int32_t PlainSearchValue(int32_t player, int32_t depth, int32_t alpha, int32_t b
 // one chosen so far. Draws one number from the generator.
 bool TakesTiedColumn(int32_t ties);
 
+// The root's choice so far, shared by both searches: the best value, its column, and how many
+// columns share it.
+struct RootChoice {
+  int32_t Best = -kEngineInfinity;
+  int32_t Chosen = -1;
+  int32_t Ties = 0;
+};
+
+// Takes the value of column c into the choice: a better value replaces it, an equal one may,
+// by the tie rule (which draws one number).
+inline void ConsiderRootColumn(RootChoice* choice, int32_t value, int32_t c) {
+  if (value > choice->Best) {
+    *choice = RootChoice{value, c, 1};
+  } else if (value == choice->Best && TakesTiedColumn(++choice->Ties)) {
+    choice->Chosen = c;
+  }
+}
+
 // Test seam: a deliberate fault in the fast search, so that the differential test can show that
 // it notices one. Always kSearchSound in the game.
 enum SearchFault : int32_t {
