@@ -4,8 +4,8 @@
 
 #include <vector>
 
+#include "ground/session.h"
 #include "render/viewport.h"
-#include "shell/session.h"
 #include "shell/turnflow.h"
 #include "test_support.h"
 
