@@ -11,10 +11,9 @@ add_executable(kalvero4-cli ${PROJECT_SOURCE_DIR}/src/cli/main.cpp)
 target_link_libraries(kalvero4-cli PRIVATE kalvero_driver)
 kalvero_warnings(kalvero4-cli)
 
-if(KALVERO_FUZZ)
-  # The fuzz build holds the fuzz targets only; the tests run in the other host builds.
-  add_subdirectory(fuzz)
-elseif(NOT CMAKE_CROSSCOMPILING)
+# The fuzz build holds the fuzz targets only; the tests run in the other host builds.
+add_subdirectory(fuzz)
+if(NOT KALVERO_FUZZ AND NOT CMAKE_CROSSCOMPILING)
   enable_testing()
   add_subdirectory(tests)
   option(KALVERO_BENCH "Build the benchmarks" ON)

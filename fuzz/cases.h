@@ -1,31 +1,40 @@
-// What one fuzz input does, shared by the fuzz targets and the tests that replay the corpus, so
-// that every input found once runs again in the ordinary test builds.
+// What one fuzz input does, shared by the fuzz targets, the replay of their corpus in the
+// ordinary test builds, and the soak run.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
-
-// Loads `data` as a save file, plays a few games at the loaded settings with moves drawn from
-// the same bytes, writes the save file again and reads it back. Works in `folder`, which must
-// exist. Returns an empty string, or the first broken invariant.
-std::string RunSaveFileCase(const uint8_t* data, size_t size, const std::string& folder);
-
-// Runs `data` as a script of the headless driver, inside `folder` (emptied first; the working
-// directory is restored afterwards). Lines stop being fed once the script turns slow (a deep
-// look-ahead on a large board, or too many moves and repaints), or names a path outside the
-// folder. Returns the driver's exit status, or -1 with `failure` set when an invariant broke.
-int RunDriverCase(const uint8_t* data, size_t size, const std::string& folder,
-                  std::string* failure);
 
 // Inputs longer than this are not run: short scripts and save files reach every path.
 constexpr size_t kMaxCaseBytes = 4096;
 
-// The settings of the session and the state of its game checked against their ranges, the grid
-// border checked empty when `border` is set, and the text buffer checked terminated. Returns an
-// empty string or what is wrong.
+// Loads `data` as the save file, plays a few games at the loaded settings with actions drawn
+// from the same bytes, writes the file again and reads it back, in `folder`. Returns an empty
+// string, or the first fault.
+std::string RunSaveFileCase(const uint8_t* data, size_t size, const std::string& folder);
+
+// Runs `data` as a script of the headless driver inside `folder`, fed one line at a time and
+// no further once the script turns slow or names a path outside the folder. Returns the
+// driver's exit status, or -1 with `failure` set when an invariant broke.
+int RunDriverCase(const uint8_t* data, size_t size, const std::string& folder,
+                  std::string* failure);
+
+// Starts a game and plays it at the current settings for at most `actions` actions, each a
+// click or a key on a column (beside the board too) or "Recommencer", chosen by the next byte,
+// with the repaints that follow. Returns an empty string or the first broken invariant.
+std::string PlayGame(const std::function<uint8_t()>& nextByte, int32_t actions);
+
+// Whether a reply takes more than a few milliseconds under the sanitizers at the current
+// settings: the look-ahead at Dur on a large board or with Challenge beyond nine columns, the
+// engine's deepest search.
+bool RepliesAreSlow();
+
+// Every setting that indexes a table within its range, the game's state in its values, the text
+// buffer and the name terminated, and with `border`, nothing on the grid outside the board.
+// Returns an empty string or what is wrong.
 std::string CheckSessionInvariants(bool border);
 
-// A fresh folder under /tmp for one fuzz run, named after `target`, removed again when the
-// process exits. Ends the process when no folder can be made.
+// A fresh folder under /tmp, named after `target`, removed when the process exits.
 std::string MakeScratchFolder(const char* target);

@@ -5,22 +5,10 @@
 
 #include "cases.h"
 
-namespace {
-
-std::string Folder;
-
-}  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  Folder = MakeScratchFolder("driver-fuzz");
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static const std::string folder = MakeScratchFolder("driver-fuzz");
   std::string failure;
-  if (RunDriverCase(data, size, Folder, &failure) < 0) {
-    std::fprintf(stderr, "driver_fuzz: %s\n", failure.c_str());
-    std::abort();
-  }
-  return 0;
+  if (RunDriverCase(data, size, folder, &failure) >= 0) return 0;
+  std::fprintf(stderr, "driver_fuzz: %s\n", failure.c_str());
+  std::abort();
 }

@@ -6,73 +6,101 @@
 #include <string>
 
 #include "cases.h"
+#include "ground/savefile.h"
 #include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
+#include "opponents/roster.h"
+#include "render/frame_logic.h"
+#include "shell/menu_logic.h"
+#include "shell/turnflow.h"
 
-std::string CheckSessionInvariants(bool border) {
-  const SessionRecord& s = SessionState;
-  struct Range {
-    const char* Name;
-    int32_t Value, Low, High;
-  };
-  const Range ranges[] = {
-      {"BoardSize", s.BoardSize, 2, 20},
-      {"ShowImages", s.ShowImages, 0, 1},
-      {"Smoothing", s.Smoothing, 0, 1},
-      {"Level", s.Level, 0, 2},
-      {"GameMode", s.GameMode, 1, 2},
-      {"CustomColours", s.CustomColours, 0, 1},
-      {"AiNumber", s.AiNumber, 0, 13},
-      {"Challenge", s.Challenge, 0, 1},
-      {"CharacterId", s.CharacterId, 0, 13},
-      {"NormalTitle", s.NormalTitle, 0, 1},
-      {"AlwaysSquare", s.AlwaysSquare, 0, 1},
-      {"GameResult", s.GameResult, 0, 3},
-      {"CurrentPlayer", s.CurrentPlayer, 1, 2},
-      {"PendingTurn", s.PendingTurn, 0, 2},
-      {"EngineSideToMove", s.EngineSideToMove, 0, 1},
-  };
-  for (const Range& r : ranges) {
-    if (r.Value < r.Low || r.Value > r.High) {
-      return std::string(r.Name) + " = " + std::to_string(r.Value) + " outside " +
-             std::to_string(r.Low) + ".." + std::to_string(r.High);
-    }
-  }
-  if (s.PlayerName[kPlayerNameBytes] != 0) return "PlayerName lost its terminating byte";
-  if (strnlen(TextBuffer, kTextBufferSize) == kTextBufferSize) return "TextBuffer unterminated";
-  if (!border) return {};
-  // Column and row 0 and every index past the playable side never hold a piece or a mark.
-  const int32_t side = s.BoardSize - 1;
+namespace {
+
+std::string OutsideRange(const char* name, int32_t value, int32_t low, int32_t high) {
+  if (value >= low && value <= high) return {};
+  return std::string(name) + " = " + std::to_string(value) + " outside " + std::to_string(low) +
+         ".." + std::to_string(high);
+}
+
+std::string CheckGrid() {
+  const int32_t side = SessionState.BoardSize - 1;
   for (int32_t c = 0; c < kGridSide; ++c) {
     for (int32_t r = 0; r < kGridSide; ++r) {
       const bool inside = c >= 1 && c <= side && r >= 1 && r <= side;
-      if (!inside && Grid[c][r] != 0) {
-        return "Grid[" + std::to_string(c) + "][" + std::to_string(r) +
-               "] = " + std::to_string(Grid[c][r]) + " outside the board of side " +
-               std::to_string(side);
-      }
       // A cell holds 0, 1 or 2, plus the mark of every winning line or ceiling strike on it.
-      if (Grid[c][r] % kMark > 2) return "Grid cell with value " + std::to_string(Grid[c][r]);
+      if ((!inside && Grid[c][r] != 0) || Grid[c][r] % kMark > 2) {
+        return "Grid[" + std::to_string(c) + "][" + std::to_string(r) +
+               "] = " + std::to_string(Grid[c][r]) + " on a board of side " + std::to_string(side);
+      }
     }
   }
   return {};
 }
 
-namespace {
+// One repaint without pixels, as the window does it.
+std::string Repaint() {
+  ComposeFrameLogic();
+  RunPendingReplies();
+  FinishRepaint();
+  return CheckSessionInvariants(true);
+}
 
 std::string ScratchFolder;
 
-void RemoveScratchFolder() {
-  std::error_code error;
-  std::filesystem::remove_all(ScratchFolder, error);
+}  // namespace
+
+std::string CheckSessionInvariants(bool border) {
+  const SessionRecord& s = SessionState;
+  std::string wrong;
+  for (const StoredSetting& setting : kStoredSettings) {
+    wrong += OutsideRange(setting.Name, s.*setting.Field, setting.Range.Low, setting.Range.High);
+  }
+  wrong += OutsideRange("GameResult", s.GameResult, 0, 3);
+  wrong += OutsideRange("CurrentPlayer", s.CurrentPlayer, 1, 2);
+  wrong += OutsideRange("PendingTurn", s.PendingTurn, 0, 2);
+  wrong += OutsideRange("EngineSideToMove", s.EngineSideToMove, 0, 1);
+  if (s.PlayerName[kPlayerNameBytes] != 0) wrong += "PlayerName unterminated";
+  if (strnlen(TextBuffer, kTextBufferSize) == kTextBufferSize) wrong += "TextBuffer unterminated";
+  return !wrong.empty() || !border ? wrong : CheckGrid();
 }
 
-}  // namespace
+bool RepliesAreSlow() {
+  const SessionRecord& s = SessionState;
+  if (PlaysWithEngine(s.AiNumber)) return s.Challenge != 0;  // whatever the level
+  return s.Level == 2 && s.BoardSize > (s.Challenge != 0 ? 9 : 13);
+}
+
+std::string PlayGame(const std::function<uint8_t()>& nextByte, int32_t actions) {
+  NewGame();
+  for (int32_t action = 0; action < actions && SessionState.GameResult == 0; ++action) {
+    const uint8_t b = nextByte();
+    const int32_t column = b % (SessionState.BoardSize + 2);  // one column either side too
+    if (b < 0x80) {
+      PlayAt(kCellPixels * column + b % kCellPixels);
+    } else if (b < 0xC0) {
+      PlayKey(static_cast<int8_t>('0' + column));
+    } else if (b & 1) {
+      MenuRestart(StatsSection());
+    } else {
+      PlayKey(static_cast<int8_t>(b));
+    }
+    for (int paint = 0; paint < 3; ++paint) {
+      if (std::string failure = Repaint(); !failure.empty()) {
+        return failure + " (action " + std::to_string(action) + ")";
+      }
+    }
+  }
+  return {};
+}
 
 std::string MakeScratchFolder(const char* target) {
   std::string name = std::string("/tmp/kalvero-") + target + "-XXXXXX";
   if (mkdtemp(name.data()) == nullptr) std::abort();
   ScratchFolder = name;
-  std::atexit(RemoveScratchFolder);
+  std::atexit([] {
+    std::error_code error;
+    std::filesystem::remove_all(ScratchFolder, error);
+  });
   return ScratchFolder;
 }

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
 """Writes the seed corpus of both fuzz targets: save files that are whole, short, long and
 damaged, and short driver scripts that reach every strategy and command. Run it again after
-changing it; the fuzzers add their own finds beside these files."""
+changing it; the fuzzers add their own finds beside these files. With --check it writes nothing
+and fails when a committed seed is not what it would write."""
 import os
 import struct
+import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 
@@ -26,9 +28,17 @@ def stored(data):
 
 def write(folder, name, data):
     path = os.path.join(HERE, "corpus", folder, name)
+    if CHECK:
+        if not os.path.isfile(path) or open(path, "rb").read() != data:
+            STALE.append(path)
+        return
     os.makedirs(os.path.dirname(path), exist_ok=True)
     with open(path, "wb") as f:
         f.write(data)
+
+
+CHECK = sys.argv[1:] == ["--check"]
+STALE = []
 
 
 SAVES = {
@@ -62,13 +72,13 @@ SAVES = {
 SCRIPTS = {
     "first-game": "seed 7\nnewgame\nmove 95\nclick\npaint\nstatus\ngrid\nsettle\nstate\n",
     "full-game": "seed 3\nnewgame\n" + "".join(f"move {30 * (i % 7 + 1) + 5}\nclick\nsettle\n"
-                                              for i in range(30)) + "status\nstats 0\n",
+                                              for i in range(30)) + "status\nstats\n",
     "engine-dur": "seed 5\nset AiNumber 10\nset Level 2\nnewgame\n" +
                   "".join(f"key {i % 7 + 1}\nsettle\n" for i in range(14)) + "engine\ngrid\n",
     "engine-dur-2p": "set AiNumber 10\nset GameMode 2\nset Level 2\nnewgame\n" +
                            "key 4\nkey 4\nkey 3\nkey 5\nsettle\nengine\nstatus\n",
     "two-players-keys": "set GameMode 2\nset Level 1\nnewgame\n" +
-                        "".join(f"key {c}\nsettle\n" for c in "1212121") + "status\nstats 57\n",
+                        "".join(f"key {c}\nsettle\n" for c in "1212121") + "status\nstats\n",
     "ceiling": "seed 2\nset AiNumber 6\nset BoardSize 4\nset Level 1\nnewgame\n" +
                "key 1\nsettle\nkey 1\nsettle\nkey 1\nsettle\ngrid\nstatus\nclick\nsettle\n",
     "openings": "seed 9\nset AiNumber 7\nset Level 2\nnewgame\nkey 4\nsettle\nkey 3\nsettle\n"
@@ -80,7 +90,7 @@ SCRIPTS = {
                       "settle\ngrid\n",
     "board-2": "set BoardSize 2\nset Level 2\nnewgame\nkey 1\nsettle\nkey 1\nsettle\nstatus\n"
                "key 2\nclick\nsettle\n",
-    "restart-close-save-load": "newgame\nkey 2\nsettle\nrestart\nstats 0\nsave a.sav\n"
+    "restart-close-save-load": "newgame\nkey 2\nsettle\nrestart\nstats\nsave a.sav\n"
                                "set BoardSize 12\nload a.sav\nkey 3\nsettle\nclose\nstate\n"
                                "load missing.sav\nsave .\nstate\n",
     "out-of-range-sets": "set BoardSize 40\nset Level -1\nset AiNumber 99\nset CharacterId 14\n"
@@ -96,3 +106,7 @@ for name, data in SAVES.items():
     write("savefile", name, data)
 for name, text in SCRIPTS.items():
     write("driver", name, text.encode("utf-8"))
+for path in STALE:
+    print("out of date: " + path)
+if STALE:
+    sys.exit("run fuzz/make_corpus.py and commit its output")

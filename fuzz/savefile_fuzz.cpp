@@ -6,24 +6,11 @@
 #include "cases.h"
 #include "cli/platform_cli.h"
 
-namespace {
-
-std::string Folder;
-
-}  // namespace
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  Folder = MakeScratchFolder("savefile-fuzz");
-  return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  // The driver's headless platform answers the core's questions (and takes its repaints).
-  DriverPlatform = DriverPlatformRecord{};
-  const std::string failure = RunSaveFileCase(data, size, Folder);
-  if (!failure.empty()) {
-    std::fprintf(stderr, "savefile_fuzz: %s\n", failure.c_str());
-    std::abort();
-  }
-  return 0;
+  static const std::string folder = MakeScratchFolder("savefile-fuzz");
+  DriverPlatform = DriverPlatformRecord{};  // the headless platform answers the core
+  const std::string failure = RunSaveFileCase(data, size, folder);
+  if (failure.empty()) return 0;
+  std::fprintf(stderr, "savefile_fuzz: %s\n", failure.c_str());
+  std::abort();
 }

@@ -255,7 +255,7 @@ bool SameReply(const ReplyState& a, const ReplyState& b) {
 // look-ahead affords it), from a fresh generator state.
 void StartGame(std::mt19937& g, int32_t game) {
   const int32_t s = std::uniform_int_distribution<int32_t>(1, 12)(g);
-  SessionState = SessionRecord{};
+  ResetSessionState();
   SessionState.BoardSize = s + 1;
   SessionState.AiNumber = game % kRosterSize;
   SessionState.Level = static_cast<int32_t>(g() % 3);

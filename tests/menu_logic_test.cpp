@@ -154,6 +154,8 @@ TEST_F(MenuLogicTest, TogglesFlipTheirFlagAndCheckMark) {
   };
   const Case cases[] = {
       {ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, 1, false, 1},
+      {ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, 2, true, 1},   // a damaged 2 becomes -1,
+      {ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, -1, true, 1},  // both on, and back again
       {ID_GRAPHICS_COLOURS, &SessionRecord::CustomColours, 0, true, 1},
       {ID_GRAPHICS_SMOOTHING, &SessionRecord::Smoothing, 0, true, 1},
       {ID_GRAPHICS_SQUARE, &SessionRecord::AlwaysSquare, 1, false, 1},

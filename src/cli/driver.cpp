@@ -71,23 +71,7 @@ void NoArgument(const std::vector<std::string_view>& words) {
   if (words.size() > 1) throw ScriptError{"'" + std::string(words[0]) + "' takes no argument"};
 }
 
-// UTF-8 to Windows-1252 for names typed in a script; characters beyond U+00FF become '?'.
-std::string FromUtf8(std::string_view text) {
-  std::string out;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const unsigned char c = static_cast<unsigned char>(text[i]);
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-    } else if ((c == 0xC2 || c == 0xC3) && i + 1 < text.size()) {
-      out += static_cast<char>(((c & 0x1F) << 6) | (static_cast<unsigned char>(text[++i]) & 0x3F));
-    } else if ((c & 0xC0) == 0xC0) {
-      out += '?';
-    }
-  }
-  return out;
-}
-
-// `set FIELD VALUE`: a persisted setting, then the same range rule as a loaded file.
+// `set FIELD VALUE`: a persisted setting, with the range rule of a loaded file.
 void SetField(std::string_view line, const std::vector<std::string_view>& words) {
   if (words.size() < 2) throw ScriptError{"missing field to 'set'"};
   if (words[1] == "PlayerName") {
@@ -100,28 +84,10 @@ void SetField(std::string_view line, const std::vector<std::string_view>& words)
                 name.size() < kPlayerNameBytes ? name.size() : kPlayerNameBytes);
     return;
   }
-  struct Field {
-    std::string_view Name;
-    int32_t SessionRecord::*Member;
-  };
-  static constexpr Field kFields[] = {
-      {"BoardSize", &SessionRecord::BoardSize},
-      {"ShowImages", &SessionRecord::ShowImages},
-      {"Smoothing", &SessionRecord::Smoothing},
-      {"Level", &SessionRecord::Level},
-      {"GameMode", &SessionRecord::GameMode},
-      {"CustomColours", &SessionRecord::CustomColours},
-      {"AiNumber", &SessionRecord::AiNumber},
-      {"Challenge", &SessionRecord::Challenge},
-      {"CharacterId", &SessionRecord::CharacterId},
-      {"NormalTitle", &SessionRecord::NormalTitle},
-      {"AlwaysSquare", &SessionRecord::AlwaysSquare},
-  };
-  for (const Field& f : kFields) {
-    if (words[1] != f.Name) continue;
-    if (words.size() != 3) throw ScriptError{"'set " + std::string(f.Name) + "' takes one value"};
-    SessionState.*f.Member = ParseNumber<int32_t>(words[2]);
-    ClampStoredSettings();
+  for (const StoredSetting& setting : kStoredSettings) {
+    if (words[1] != setting.Name) continue;
+    if (words.size() != 3) throw ScriptError{"'set " + std::string(words[1]) + "' takes one value"};
+    ApplyStoredSetting(setting, ParseNumber<int32_t>(words[2]));
     return;
   }
   throw ScriptError{"unknown field '" + std::string(words[1]) + "'"};
@@ -147,8 +113,8 @@ void PrintGrid() {
 void PrintEngine() {
   // Before the first game there is no engine game: its board reads empty.
   const uint8_t* const* cells = EngineGameOpen() ? EngineBoardView() : nullptr;
-  for (int32_t r = 6; r >= 0; --r) {
-    for (int32_t c = 0; c < 7; ++c) {
+  for (int32_t r = kEngineRows - 1; r >= 0; --r) {
+    for (int32_t c = 0; c < kEngineColumns; ++c) {
       *Driver.Out << (c > 0 ? " " : "") << (cells != nullptr ? int(cells[c][r]) : kEngineEmpty);
     }
     *Driver.Out << '\n';
@@ -161,6 +127,16 @@ void PrintState() {
               << " PendingTurn=" << s.PendingTurn << " EngineSideToMove=" << s.EngineSideToMove
               << " GameStarted=" << s.GameStarted << " RepaintAgain=" << s.RepaintAgain
               << " RepaintRequested=" << (DriverPlatform.RepaintRequested ? 1 : 0) << '\n';
+}
+
+// The record of the current settings, the one that the statistics dialog shows.
+void PrintStats() {
+  const int32_t section = StatsSection();
+  *Driver.Out << "StatsSection=" << section;
+  if (const StatsRecord* r = StatsRecordAt(section)) {
+    *Driver.Out << " Played=" << r->Played << " Won=" << r->Won << " Lost=" << r->Lost;
+  }
+  *Driver.Out << '\n';
 }
 
 void RunCommand(std::string_view line) {
@@ -212,10 +188,8 @@ void RunCommand(std::string_view line) {
     NoArgument(words);
     PrintState();
   } else if (command == "stats") {
-    const int32_t r = ParseNumber<int32_t>(OnlyArgument(words));
-    const StatsRecord* record = StatsRecordAt(r);
-    if (record == nullptr) throw ScriptError{"no statistics record " + std::to_string(r)};
-    *Driver.Out << record->Played << ' ' << record->Won << ' ' << record->Lost << '\n';
+    NoArgument(words);
+    PrintStats();
   } else if (command == "status") {
     NoArgument(words);
     *Driver.Out << ToUtf8(Driver.Status.c_str()) << '\n';

@@ -4,6 +4,7 @@
 
 #include "dialogs/dialog_text.h"
 #include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/roster.h"
 
 int32_t ReadStrategyNumber(const char* text) {
@@ -14,7 +15,7 @@ int32_t ReadStrategyNumber(const char* text) {
 
 const char* SelectCharacter(int32_t index) {
   SessionState.CharacterId = index;
-  return IsRosterIndex(index) ? Roster[index].Description : nullptr;
+  return IsRosterIndex(index) ? Roster[index].Description.c_str() : nullptr;
 }
 
 StrategyVerdict AcceptCharactersOk(int32_t index, const char* name, const char* strategyText) {
@@ -26,10 +27,11 @@ StrategyVerdict AcceptCharactersOk(int32_t index, const char* name, const char* 
   std::strncpy(s.PlayerName, name, kNameCharacters);
   s.AiNumber = ReadStrategyNumber(strategyText);
   if (!IsRosterIndex(s.AiNumber)) return StrategyVerdict::OutOfRange;
-  if (PlaysWithEngine(s.AiNumber) && s.BoardSize != 8) return StrategyVerdict::AskCocoBoard;
+  if (PlaysWithEngine(s.AiNumber) && s.BoardSize != kEngineBoardSize)
+    return StrategyVerdict::AskCocoBoard;
   return StrategyVerdict::Accept;
 }
 
 void UseEngineBoardSize() {
-  SessionState.BoardSize = 8;
+  SessionState.BoardSize = kEngineBoardSize;
 }

@@ -34,7 +34,7 @@ void Open(HWND dialog) {
   Brushes.PaleBlue = CreateSolidBrush(RGB(192, 224, 255));
   for (const Character& c : Roster) {
     SendDlgItemMessageA(dialog, IDC_CHARACTERS_LIST, LB_ADDSTRING, 0,
-                        reinterpret_cast<LPARAM>(c.FullName));
+                        reinterpret_cast<LPARAM>(c.FullName.c_str()));
   }
   SetNumber(dialog, IDC_CHARACTERS_AI_NUMBER, SessionState.AiNumber);
   SetDlgItemTextA(dialog, IDC_CHARACTERS_NAME, SessionState.PlayerName);

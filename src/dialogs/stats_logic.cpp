@@ -13,36 +13,31 @@ constexpr auto kWonFormat = Cp1252("Parties gagnées:\t %i");
 constexpr auto kLostFormat = Cp1252("Parties perdues:\t %i");
 constexpr auto kModeFormat = Cp1252("%i joueurs (section %i)");
 
-// clang-format off
-constexpr auto kVerdict0 = Cp1252("Vraiment nul!");
-constexpr auto kVerdict1 = Cp1252("Tu ne sait pas jouer?");
-constexpr auto kVerdict2 = Cp1252("Argh... Trop déçu!");
-constexpr auto kVerdict3 = Cp1252("Hm... Ca s'améliore pas!");
-constexpr auto kVerdict4 = Cp1252("Non. Ce n'est pas bon.");
-constexpr auto kVerdict5 = Cp1252("Bof. Très médiocre.");
-constexpr auto kVerdict6 = Cp1252("Décevant...");
-constexpr auto kVerdict7 = Cp1252("A la limite. Ca va mieux!");
-constexpr auto kVerdict8 = Cp1252("Ca commence à venir!?");
-constexpr auto kVerdict9 = Cp1252("Continue à bosser!");
-constexpr auto kVerdict10 = Cp1252("Moyen. Mais pas trop mal!");
-constexpr auto kVerdict11 = Cp1252("Pas mal, mais ne t'arrête pas!");
-constexpr auto kVerdict12 = Cp1252("Vas-y! Continue!");
-constexpr auto kVerdict13 = Cp1252("De mieux en mieux!");
-constexpr auto kVerdict14 = Cp1252("Chouette! Ca c'est beau!");
-constexpr auto kVerdict15 = Cp1252("Hey! Molo avec l'ordi là!");
-constexpr auto kVerdict16 = Cp1252("Très bien!");
-constexpr auto kVerdict17 = Cp1252("Excellent!");
-constexpr auto kVerdict18 = Cp1252("Vraiment superbe!");
-constexpr auto kVerdict19 = Cp1252("Cherche toi un autre adversaire!");
-constexpr auto kVerdict20 = Cp1252("Ca c'est ben la mort qui tue!");
-
 // Verdict k covers the percentages 5k - 4 to 5k; the first is 0 alone, the last 96 and above.
-constexpr const char* kVerdicts[21] = {
-    kVerdict0,  kVerdict1,  kVerdict2,  kVerdict3,  kVerdict4,  kVerdict5,  kVerdict6,
-    kVerdict7,  kVerdict8,  kVerdict9,  kVerdict10, kVerdict11, kVerdict12, kVerdict13,
-    kVerdict14, kVerdict15, kVerdict16, kVerdict17, kVerdict18, kVerdict19, kVerdict20,
+constexpr int32_t kVerdictCount = 21;
+constexpr Cp1252Text<40> kVerdicts[kVerdictCount] = {
+    "Vraiment nul!",
+    "Tu ne sait pas jouer?",
+    "Argh... Trop déçu!",
+    "Hm... Ca s'améliore pas!",
+    "Non. Ce n'est pas bon.",
+    "Bof. Très médiocre.",
+    "Décevant...",
+    "A la limite. Ca va mieux!",
+    "Ca commence à venir!?",
+    "Continue à bosser!",
+    "Moyen. Mais pas trop mal!",
+    "Pas mal, mais ne t'arrête pas!",
+    "Vas-y! Continue!",
+    "De mieux en mieux!",
+    "Chouette! Ca c'est beau!",
+    "Hey! Molo avec l'ordi là!",
+    "Très bien!",
+    "Excellent!",
+    "Vraiment superbe!",
+    "Cherche toi un autre adversaire!",
+    "Ca c'est ben la mort qui tue!",
 };
-// clang-format on
 
 template <typename... Args>
 std::string Format(const char* format, Args... args) {
@@ -60,11 +55,11 @@ std::string ShareOfWinsText(uint16_t won, uint16_t lost) {
 }
 
 const char* VerdictFor(uint16_t won, uint16_t lost) {
-  if (lost == 0) return won == 0 ? kVerdicts[0] : kVerdicts[20];
+  if (lost == 0) return won == 0 ? kVerdicts[0] : kVerdicts[kVerdictCount - 1];
   const int32_t p = (won * 100) / (won + lost);
   if (p == 0) return kVerdicts[0];
   const int32_t k = (p + 4) / 5;
-  return kVerdicts[k < 20 ? k : 20];
+  return kVerdicts[k < kVerdictCount ? k : kVerdictCount - 1];
 }
 
 StatsTexts StatsDialogTexts() {

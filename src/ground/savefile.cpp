@@ -19,15 +19,6 @@ constexpr auto kWriteFailure = Cp1252(
     "quelqu'un d'autre, interdit ou tout simplement faux.\nEssayez de le supprimer.");
 constexpr auto kWriteFailureTitle = Cp1252("Déception");
 
-// The persisted fields in slot order.
-int32_t* SlotField(int32_t slot) {
-  SessionRecord& s = SessionState;
-  int32_t* fields[] = {&s.BoardSize,   &s.ShowImages,    &s.Smoothing,   &s.Level,
-                       &s.GameMode,    &s.CustomColours, &s.AiNumber,    &s.Challenge,
-                       &s.CharacterId, &s.NormalTitle,   &s.AlwaysSquare};
-  return fields[slot];
-}
-
 // The content as bytes, little-endian, in file order.
 void PackContent(uint8_t* out) {
   for (int32_t k = 0; k < kSettingsSlots; ++k) {
@@ -97,30 +88,14 @@ StatsRecord* StatsRecordAt(int32_t section) {
   return section >= 0 && section < kStatsRecords ? &StatsTable[section] : nullptr;
 }
 
-void ClampStoredSettings() {
-  SessionRecord& s = SessionState;
-  const SessionRecord initial;
-  auto keepIn = [](int32_t& field, int32_t low, int32_t high, int32_t fallback) {
-    if (field < low || field > high) field = fallback;
-  };
-  keepIn(s.BoardSize, 2, 20, initial.BoardSize);
-  keepIn(s.ShowImages, 0, 1, initial.ShowImages);
-  keepIn(s.Smoothing, 0, 1, initial.Smoothing);
-  keepIn(s.Level, 0, 2, initial.Level);
-  keepIn(s.GameMode, 1, 2, initial.GameMode);
-  keepIn(s.CustomColours, 0, 1, initial.CustomColours);
-  keepIn(s.AiNumber, 0, 13, initial.AiNumber);
-  keepIn(s.Challenge, 0, 1, initial.Challenge);
-  keepIn(s.CharacterId, 0, 13, initial.CharacterId);
-  keepIn(s.NormalTitle, 0, 1, initial.NormalTitle);
-  keepIn(s.AlwaysSquare, 0, 1, initial.AlwaysSquare);
-  s.PlayerName[kPlayerNameBytes] = 0;
+void ApplyStoredSetting(const StoredSetting& setting, int32_t value) {
+  const bool inRange = value >= setting.Range.Low && value <= setting.Range.High;
+  SessionState.*setting.Field = inRange ? value : setting.Initial;
 }
 
 void LoadSaveFile(const char* path) {
   std::memset(StatsTable, 0, sizeof StatsTable);
-  std::memset(SessionState.PlayerName, 0, sizeof SessionState.PlayerName);
-  std::strcpy(SessionState.PlayerName, "<Votre nom>");
+  std::memcpy(SessionState.PlayerName, InitialSession().PlayerName, sizeof SessionState.PlayerName);
   std::memset(SettingsBlock, 0, sizeof SettingsBlock);
   SettingsBlock[kAlwaysSquareSlot] = 1;
 
@@ -136,16 +111,15 @@ void LoadSaveFile(const char* path) {
   DecodeLineEnds(raw, rawCount, content, kSaveContentBytes);
   UnpackContent(content);
 
-  for (int32_t slot = 0; slot < kAlwaysSquareSlot; ++slot) *SlotField(slot) = SettingsBlock[slot];
-  ClampStoredSettings();
-  // Slot 10 waits in the block for the home dialog, which takes it as the flag's value: out of
-  // range it falls back to its preset, like the fields above to their initial values.
-  int32_t& alwaysSquare = SettingsBlock[kAlwaysSquareSlot];
-  if (alwaysSquare != 0 && alwaysSquare != 1) alwaysSquare = 1;
+  for (int32_t slot = 0; slot < kAlwaysSquareSlot; ++slot) {
+    ApplyStoredSetting(kStoredSettings[slot], SettingsBlock[slot]);
+  }
 }
 
 void WriteSaveFile(const char* path) {
-  for (int32_t slot = 0; slot <= kAlwaysSquareSlot; ++slot) SettingsBlock[slot] = *SlotField(slot);
+  for (int32_t slot = 0; slot < kStoredSettingCount; ++slot) {
+    SettingsBlock[slot] = SessionState.*kStoredSettings[slot].Field;
+  }
   uint8_t content[kSaveContentBytes];
   PackContent(content);
   std::string stored;

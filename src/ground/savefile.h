@@ -5,11 +5,13 @@
 
 #include <cstdint>
 
+#include "ground/session.h"
+
 constexpr const char* kSaveFileName = "Fichier de sauvegarde";
 constexpr int32_t kSettingsSlots = 99;
 constexpr int32_t kStatsRecords = 60;
-constexpr int32_t kSaveContentBytes = kSettingsSlots * 4 + kStatsRecords * 12 + 26;  // 1142
-constexpr int32_t kAlwaysSquareSlot = 10;
+constexpr int32_t kSaveContentBytes =
+    kSettingsSlots * 4 + kStatsRecords * 12 + kPlayerNameBytes;  // 1142
 
 // One record of the statistics: six unsigned 16-bit counters that wrap from 65535 to 0.
 struct StatsRecord {
@@ -32,9 +34,8 @@ int32_t StatsSection();
 StatsRecord* StatsRecordAt(int32_t section);
 
 // Presets the counters, the name and slot 10, reads the file if it can be opened, and applies
-// slots 0..9 to the session. Silent: a missing or short file leaves the presets in place.
-// Stored values outside their ranges are replaced as ClampStoredSettings says; slot 10 outside
-// 0..1 takes its preset 1.
+// slots 0..9 to the session with ApplyStoredSetting. Silent: a missing or short file leaves
+// the presets in place. Slot 10 stays in the block as read.
 void LoadSaveFile(const char* path = kSaveFileName);
 
 // Copies the settings into slots 0..10 and writes the file. The new content goes to a temporary
@@ -45,7 +46,6 @@ void WriteSaveFile(const char* path = kSaveFileName);
 // Counts one abandoned game as lost in the record of a section.
 void CountLoss(int32_t section);
 
-// Replaces every stored setting that lies outside its range by its initial value. Values
-// outside the ranges can only come from a damaged file (or a driver script); taking them as
-// read would index the roster and the boards out of bounds.
-void ClampStoredSettings();
+// Sets the field of a persisted setting to a value read or typed: the value itself, or the
+// initial value when it lies outside the setting's range.
+void ApplyStoredSetting(const StoredSetting& setting, int32_t value);

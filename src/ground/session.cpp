@@ -1,8 +1,8 @@
 #include "ground/session.h"
 
-SessionRecord SessionState;
+constinit SessionRecord SessionState = InitialSession();
 char TextBuffer[kTextBufferSize];
 
 void ResetSessionState() {
-  SessionState = SessionRecord{};
+  SessionState = InitialSession();
 }

@@ -15,3 +15,12 @@ std::string ToUtf8(const char* cp1252) {
   }
   return out;
 }
+
+std::string FromUtf8(std::string_view utf8) {
+  std::string out;
+  for (std::size_t at = 0; at < utf8.size();) {
+    const int32_t c = NextCp1252(utf8.data(), utf8.size(), &at);
+    out += c == kNotLatin1 ? '?' : static_cast<char>(c);
+  }
+  return out;
+}

@@ -2,6 +2,7 @@
 
 #include "engine/engine.h"
 #include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
 
 void GridFromEngine() {
@@ -9,10 +10,10 @@ void GridFromEngine() {
   RunNeeded[0] = RunNeeded[1] = RunNeeded[2] = 3;
   GridClear();
   const uint8_t* const* cells = EngineBoardView();
-  for (int32_t c = 0; c < 7; ++c) {
-    for (int32_t r = 0; r < 7; ++r) {
-      if (cells[c][r] == 1) Grid[c + 1][7 - r] = 1;
-      if (cells[c][r] == 0) Grid[c + 1][7 - r] = 2;
+  for (int32_t c = 0; c < kEngineColumns; ++c) {
+    for (int32_t r = 0; r < kEngineRows; ++r) {
+      if (cells[c][r] == 1) Grid[c + 1][kEngineRows - r] = 1;
+      if (cells[c][r] == 0) Grid[c + 1][kEngineRows - r] = 2;
     }
   }
   if (GridFindWinner() != 0) GridMarkWinner();

@@ -24,9 +24,8 @@ void NewGame() {
   s.GameResult = 0;
   if (record != nullptr) ++record->Played;
   GridClear();
-  // The engine plays on its own 8 x 7 board with lines of 4, whatever the settings.
   EndEngineGame();
-  EngineStart(8, 7, 4);
+  EngineStart(kEngineWidth, kEngineRows, kEngineLineLength);
   EngineReady = true;
   s.GameStarted = 0;
   s.CeilingStruck = 0;

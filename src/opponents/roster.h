@@ -4,14 +4,17 @@
 
 #include <cstdint>
 
+#include "ground/texts.h"
+
 constexpr int32_t kRosterSize = 14;
 constexpr int32_t kPlies = 6;
 constexpr int32_t kFirstPortrait = 30000;
 
+// Names and description in Windows-1252, each in a field with room for its zero byte.
 struct Character {
-  const char* FullName;  // at most 19 characters, Windows-1252
-  const char* ShortName;
-  const char* Description;  // "\n" breaks the line
+  Cp1252Text<20> FullName;
+  Cp1252Text<20> ShortName;
+  Cp1252Text<128> Description;  // "\n" breaks the line
 };
 
 // Indexed by CharacterId, 0..13.

@@ -140,7 +140,7 @@ void PlayTurn(int32_t x) {
   ShuffleColumns();
   if (s.GameMode != 2) s.CurrentPlayer = 1;
   if (s.PendingTurn == 1) {
-    if (GridDrop(x / 30) != 0) s.PendingTurn = 2;
+    if (GridDrop(x / kCellPixels) != 0) s.PendingTurn = 2;
     return;
   }
   if (JudgeBoard()) return FullBoardCheck();
@@ -148,7 +148,7 @@ void PlayTurn(int32_t x) {
     s.CurrentPlayer = s.CurrentPlayer == 1 ? 2 : 1;
     return;
   }
-  ComputerReply(x / 30);
+  ComputerReply(x / kCellPixels);
 }
 
 // Plays out one ply below the position in snapshot ply - 1, adding the mover's weight for every

@@ -18,8 +18,8 @@ struct TurnWork {
 
 extern TurnWork Turn;
 
-// Plays or judges a move at logical x (column x / 30), or starts a new game when the last one
-// is over. See the header comment for the two calls of a move.
+// Plays or judges a move at logical x (column x / kCellPixels), or starts a new game when the last
+// one is over. See the header comment for the two calls of a move.
 void PlayTurn(int32_t x);
 
 // How many plies the look-ahead plays out at the current settings: 2 at Normal, 4 at Dur, 6

@@ -104,7 +104,8 @@ void PlanPortraitAndTitle(DrawList& out, int32_t titleShift) {
   const int32_t id = IsRosterIndex(s.CharacterId) ? s.CharacterId : 0;
   const PixelSize size = PortraitSizes[id];
   out.push_back(Bitmap(PortraitResource(id),
-                       {kCellPixels * n + 10, 15 * n, size.Width, size.Height}, RasterOp::Copy));
+                       {kCellPixels * n + 10, kCellPixels / 2 * n, size.Width, size.Height},
+                       RasterOp::Copy));
   std::snprintf(TextBuffer, kTextBufferSize, kTitleFormat, s.CurrentPlayer);
   const int32_t x = n > 5 ? 12 * n - 36 + titleShift : 0;
   out.push_back(Text({x, 0}, kTitleColour, TextBuffer));
@@ -112,7 +113,8 @@ void PlanPortraitAndTitle(DrawList& out, int32_t titleShift) {
 
 void PlanGridCell(DrawList& out, int32_t x, int32_t y, int32_t value) {
   if (value >= kMark && value <= 3 * kMark) {
-    const PixelRect interior{kCellPixels * x + 1, kCellPixels * y + 1, 29, 29};
+    const PixelRect interior{kCellPixels * x + 1, kCellPixels * y + 1, kCellPixels - 1,
+                             kCellPixels - 1};
     DrawOp fill = Filled(DrawKind::FillCell, interior);
     fill.Brush = value == kMark + 1   ? CellBrush::SkyBlue
                  : value == kMark + 2 ? CellBrush::Gold
@@ -165,7 +167,7 @@ DrawList PlanEngineBoard() {
   DrawList out;
   PlanBackground(out);
   PlanStatus(out);
-  if (EngineGameOpen() && n == 8) {  // the engine's board is always 7 x 7
+  if (EngineGameOpen() && n == kEngineBoardSize) {
     const uint8_t* const* cells = EngineBoardView();
     // Engine rows count from 0 at the bottom, its columns from 0 at the left; its side 0 is
     // the computer (player 2) and side 1 the human (player 1).

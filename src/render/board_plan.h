@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "ground/session.h"
 #include "render/viewport.h"
 
-constexpr int32_t kCellPixels = 30;
 constexpr int32_t kSpritePixels = 20;
 
 // A colour as red, green and blue bytes in the order the Windows API packs them.

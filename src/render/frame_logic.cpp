@@ -52,7 +52,7 @@ void ResultStatus(int32_t result) {
   const SessionRecord& s = SessionState;
   if (result == 3) return Status("%s", kNoWinner.c_str());
   if (s.GameMode == 2) return Status(kPlayerWon, result);
-  Status(kNamedWon, result == 2 ? RosterEntry(s.CharacterId).FullName : s.PlayerName);
+  Status(kNamedWon, result == 2 ? RosterEntry(s.CharacterId).FullName.c_str() : s.PlayerName);
 }
 
 void GridFrame() {
@@ -60,7 +60,7 @@ void GridFrame() {
   CeilingRule();
   const bool engine = PlaysWithEngine(s.AiNumber);
   if (s.GameMode == 1 && ((s.PendingTurn == 2 && !engine) || (s.EngineSideToMove == 0 && engine))) {
-    return Status(kThinking, RosterEntry(s.CharacterId).ShortName);
+    return Status(kThinking, RosterEntry(s.CharacterId).ShortName.c_str());
   }
   if (s.GameResult != 0) return ResultStatus(s.GameResult);
   LevelOrSectionStatus();
@@ -68,8 +68,8 @@ void GridFrame() {
 
 bool EngineBoardHasPiece() {
   const uint8_t* const* cells = EngineBoardView();
-  for (int32_t c = 0; c < 7; ++c)
-    for (int32_t r = 0; r < 7; ++r)
+  for (int32_t c = 0; c < kEngineColumns; ++c)
+    for (int32_t r = 0; r < kEngineRows; ++r)
       if (cells[c][r] != kEngineEmpty) return true;
   return false;
 }
@@ -102,7 +102,8 @@ void EngineFrame() {
 
 bool FrameShowsEngineBoard() {
   const SessionRecord& s = SessionState;
-  return PlaysWithEngine(s.AiNumber) && s.GameResult == 0 && s.BoardSize == 8 && EngineGameOpen();
+  return PlaysWithEngine(s.AiNumber) && s.GameResult == 0 && s.BoardSize == kEngineBoardSize &&
+         EngineGameOpen();
 }
 
 void ComposeFrameLogic() {

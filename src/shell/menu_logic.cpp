@@ -17,6 +17,11 @@ constexpr auto kHomeQuestion = Cp1252(
     "Vous abandonnerez cette partie si vous continuez.\nÊtes-vous sûr(e)?");
 constexpr auto kHomeTitle = Cp1252("Déception");
 
+// Whether leaving the current game abandons it: a piece has been played and nothing is decided.
+bool GameIsAbandoned() {
+  return SessionState.GameStarted != 0 && SessionState.GameResult == 0;
+}
+
 // Asks whether to abandon a game in progress and counts it lost when the answer is Yes.
 // Returns false on No. Nothing is asked when no game is in progress.
 bool ConfirmAbandon(const char* question, const char* title, int32_t section) {
@@ -37,10 +42,6 @@ constexpr MenuToggle kToggles[] = {
 // clang-format on
 
 }  // namespace
-
-bool GameIsAbandoned() {
-  return SessionState.GameStarted != 0 && SessionState.GameResult == 0;
-}
 
 void MenuRestart(int32_t section) {
   if (SessionState.GameStarted == 0) return;

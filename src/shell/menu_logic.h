@@ -12,9 +12,6 @@ inline constexpr auto kDiscreetNotice =
     Cp1252("Les changements seront pris en compte à la prochaine ouverture du programme.");
 inline constexpr auto kDiscreetNoticeTitle = Cp1252("Attention");
 
-// Whether leaving the current game abandons it: a piece has been played and nothing is decided.
-bool GameIsAbandoned();
-
 // "&Recommencer": nothing before the first piece; a game in progress is confirmed and counted
 // as lost in `section`; then a new game and a repaint.
 void MenuRestart(int32_t section);

@@ -27,7 +27,7 @@ void PlayAt(int32_t x) {
   if (PlaysWithEngine(s.AiNumber)) {
     if (s.GameResult != 0) {
       NewGame();
-    } else if (EngineGameOpen() && EnginePlay(s.EngineSideToMove, x / 30 - 1)) {
+    } else if (EngineGameOpen() && EnginePlay(s.EngineSideToMove, x / kCellPixels - 1)) {
       s.EngineSideToMove = 1 - s.EngineSideToMove;
     }
   } else {
@@ -38,7 +38,7 @@ void PlayAt(int32_t x) {
 
 void PlayKey(int8_t c) {
   if (c < '1' || c > '0' + SessionState.BoardSize) return;
-  PlayAt(30 * (c - '0'));
+  PlayAt(kCellPixels * (c - '0'));
 }
 
 void RunPendingReplies() {
