@@ -28,8 +28,8 @@ std::string CheckGrid() {
     for (int32_t r = 0; r < kGridSide; ++r) {
       const bool inside = c >= 1 && c <= side && r >= 1 && r <= side;
       if ((!inside && Grid[c][r] != 0) || Grid[c][r] % kMark > 2) {
-        return "Grid[" + std::to_string(c) + "][" + std::to_string(r) +
-               "] = " + std::to_string(Grid[c][r]) + " on a board of side " + std::to_string(side);
+        return "Grid[" + std::to_string(c) + "][" + std::to_string(r) + "] holds " +
+               std::to_string(Grid[c][r]);
       }
     }
   }

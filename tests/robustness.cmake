@@ -10,7 +10,7 @@ gtest_discover_tests(kalvero_corpus_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOU
 add_executable(kalvero4-soak ${CMAKE_CURRENT_SOURCE_DIR}/soak.cpp)
 target_link_libraries(kalvero4-soak PRIVATE kalvero_fuzz_cases)
 kalvero_warnings(kalvero4-soak)
-add_test(NAME soak.short COMMAND kalvero4-soak 300 1)
+add_test(NAME soak.short COMMAND kalvero4-soak 300)
 set_tests_properties(soak.short PROPERTIES TIMEOUT 300)
 
 # The corpus's seeds are committed as fuzz/make_corpus.py writes them.

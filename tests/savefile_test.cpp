@@ -35,10 +35,7 @@ class SaveFileTest : public CoreTest {
     fs::remove_all(dir_);
     fs::create_directories(dir_);
   }
-  void TearDown() override {
-    fs::permissions(dir_, fs::perms::owner_all, fs::perm_options::add);
-    fs::remove_all(dir_);
-  }
+  void TearDown() override { fs::remove_all(dir_); }
   Bytes Read() const {
     std::ifstream in(path_, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(in), {});

@@ -4,7 +4,7 @@
 // invariants; at the end no statistics record may hold more results than games played. The peak
 // resident memory, printed every REPORT games, must stay flat.
 //
-//   kalvero4-soak GAMES SEED [REPORT]
+//   kalvero4-soak [GAMES [SEED [REPORT]]]     (10,000 games, seed 1, report every 1,000)
 #include <sys/resource.h>
 
 #include <cstdio>
@@ -40,12 +40,9 @@ void DrawSettings(std::mt19937& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc < 3) {
-    std::fprintf(stderr, "usage: kalvero4-soak GAMES SEED [REPORT]\n");
-    return 2;
-  }
-  const long games = std::atol(argv[1]), report = argc > 3 ? std::atol(argv[3]) : 1000;
-  std::mt19937 random(static_cast<uint32_t>(std::atol(argv[2])));
+  const long games = argc > 1 ? std::atol(argv[1]) : 10000;
+  const long report = argc > 3 ? std::atol(argv[3]) : 1000;
+  std::mt19937 random(argc > 2 ? static_cast<uint32_t>(std::atol(argv[2])) : 1);
   const std::string save = MakeScratchFolder("soak") + "/soak.sav";
   ResetProcessState();
   DriverPlatform = DriverPlatformRecord{};  // the headless platform: every question answered Yes
