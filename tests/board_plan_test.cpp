@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "engine/engine.h"
-#include "ground/savefile.h"
 #include "ground/session.h"
 #include "opponents/new_game.h"
 #include "opponents/referee.h"
@@ -18,32 +18,22 @@
 
 namespace {
 
-class BoardPlanTest : public CoreTest {
- protected:
-  void TearDown() override { EndEngineGame(); }
+using BoardPlanTest = CoreTest;
 
-  static std::vector<DrawOp> OfKind(const DrawList& list, DrawKind kind) {
-    std::vector<DrawOp> out;
-    std::copy_if(list.begin(), list.end(), std::back_inserter(out),
-                 [kind](const DrawOp& op) { return op.Kind == kind; });
-    return out;
-  }
+std::vector<DrawOp> OfKind(const DrawList& list, DrawKind kind) {
+  std::vector<DrawOp> out;
+  std::copy_if(list.begin(), list.end(), std::back_inserter(out),
+               [kind](const DrawOp& op) { return op.Kind == kind; });
+  return out;
+}
 
-  static const DrawOp* TextOp(const DrawList& list, const std::string& text) {
-    for (const DrawOp& op : list) {
-      if (op.Kind == DrawKind::Text && op.Text == text) return &op;
-    }
-    return nullptr;
-  }
+DrawList GridFrame() {
+  ComposeFrameLogic();
+  return PlanGridBoard();
+}
 
-  static DrawList GridFrame() {
-    ComposeFrameLogic();
-    return PlanGridBoard();
-  }
-};
-
-// What one cell shows, in a form that tests compare easily: the brush, then the sprite
-// resource or the letter, or nothing.
+// What one cell shows: its brush, then its sprite (-1 for one not drawn right over its mask)
+// or its letter, or nothing.
 struct CellLook {
   CellBrush Brush = CellBrush::None;
   int32_t Sprite = 0;
@@ -51,26 +41,44 @@ struct CellLook {
   bool operator==(const CellLook&) const = default;
 };
 
+CellLook Disc(int32_t sprite) {
+  return {CellBrush::None, sprite, ""};
+}
+
 CellLook LookAt(const DrawList& list, int32_t x, int32_t y) {
   CellLook look;
-  for (const DrawOp& op : list) {
-    if (op.Kind == DrawKind::FillCell && op.Rect.X == 30 * x + 1 && op.Rect.Y == 30 * y + 1) {
+  const PixelRect sprite{30 * x + 6, 30 * y + 6, 20, 20};
+  for (size_t i = 0; i < list.size(); ++i) {
+    const DrawOp& op = list[i];
+    if (op.Kind == DrawKind::FillCell && op.Rect == PixelRect{30 * x + 1, 30 * y + 1, 29, 29}) {
       look.Brush = op.Brush;
     }
-    if (op.Kind == DrawKind::Bitmap && op.Raster == RasterOp::Or && op.Rect.X == 30 * x + 6 &&
-        op.Rect.Y == 30 * y + 6) {
-      look.Sprite = op.Resource;
+    if (op.Kind == DrawKind::Bitmap && op.Raster == RasterOp::Or && op.Rect == sprite) {
+      const bool masked = i > 0 && list[i - 1].Kind == DrawKind::Bitmap &&
+                          list[i - 1].Resource == IDB_DISC_MASK &&
+                          list[i - 1].Raster == RasterOp::And && list[i - 1].Rect == sprite;
+      look.Sprite = masked ? op.Resource : -1;
     }
-    if (op.Kind == DrawKind::Text && op.At.X == 30 * x + 11 && op.At.Y == 30 * y + 7) {
+    if (op.Kind == DrawKind::Text && op.At == PixelPoint{30 * x + 11, 30 * y + 7}) {
       look.Letter = op.Text;
     }
   }
   return look;
 }
 
-TEST_F(BoardPlanTest, SevenCellBoardGeometry) {
+TEST_F(BoardPlanTest, SevenCellFrameFromBackgroundToTitle) {
   SessionState.Challenge = 1;
+  SessionState.LogicalWidth = 293;
+  SessionState.LogicalHeight = 254;
   const DrawList frame = GridFrame();
+  // The background first: black, the background picture, then the top pixel row black again.
+  ASSERT_GE(frame.size(), 3u);
+  const DrawKind kinds[] = {DrawKind::FillBlack, DrawKind::CopyBackground, DrawKind::FillBlack};
+  const PixelRect rects[] = {{0, 0, 293, 254}, {0, 0, 293, 254}, {0, 0, 293, 1}};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(frame[i].Kind, kinds[i]) << i;
+    EXPECT_EQ(frame[i].Rect, rects[i]) << i;
+  }
   const std::vector<DrawOp> lines = OfKind(frame, DrawKind::Line);
   ASSERT_EQ(lines.size(), 16u);  // 8 each way
   for (int32_t k = 1; k <= 8; ++k) {
@@ -79,89 +87,58 @@ TEST_F(BoardPlanTest, SevenCellBoardGeometry) {
     EXPECT_EQ(lines[2 * k - 1].From, (PixelPoint{30 * k, 30}));
     EXPECT_EQ(lines[2 * k - 1].To, (PixelPoint{30 * k, 240}));
   }
-  struct Text {
-    const char* text;
-    PixelPoint at;
-    uint32_t colour;
-  };
-  for (const Text& t :
-       {Text{"Challenge", {231, 248}, Rgb(255, 0, 0)}, Text{"Facile", {0, 248}, Rgb(255, 128, 0)},
-        Text{"Kalvero 4 v5.5 - Joueur 1", {60, 0}, Rgb(255, 192, 0)}}) {
-    const DrawOp* op = TextOp(frame, t.text);
-    ASSERT_NE(op, nullptr) << t.text;
-    EXPECT_EQ(op->At, t.at) << t.text;
-    EXPECT_EQ(op->Colour, t.colour) << t.text;
-  }
-  const DrawOp portrait = OfKind(frame, DrawKind::Bitmap).back();
-  EXPECT_EQ(portrait.Resource, 30000);
-  EXPECT_EQ(portrait.Rect, (PixelRect{250, 120, 31, 30}));
-  EXPECT_EQ(portrait.Raster, RasterOp::Copy);
-}
-
-TEST_F(BoardPlanTest, BackgroundIsLaidBeforeAnythingElse) {
-  SessionState.LogicalWidth = 293;
-  SessionState.LogicalHeight = 254;
-  const DrawList frame = GridFrame();
-  ASSERT_GE(frame.size(), 3u);
-  const DrawKind kinds[] = {DrawKind::FillBlack, DrawKind::CopyBackground, DrawKind::FillBlack};
-  const PixelRect rects[] = {{0, 0, 293, 254}, {0, 0, 293, 254}, {0, 0, 293, 1}};
+  // clang-format off
+  struct Text { const char* Text; PixelPoint At; uint32_t Colour; };
+  // clang-format on
+  const Text texts[] = {{"Challenge", {231, 248}, Rgb(255, 0, 0)},
+                        {"Facile", {0, 248}, Rgb(255, 128, 0)},
+                        {"Kalvero 4 v5.5 - Joueur 1", {60, 0}, Rgb(255, 192, 0)}};
+  const std::vector<DrawOp> drawn = OfKind(frame, DrawKind::Text);
+  ASSERT_EQ(drawn.size(), 3u);
   for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(frame[i].Kind, kinds[i]) << i;
-    EXPECT_EQ(frame[i].Rect, rects[i]) << i;
+    EXPECT_EQ(drawn[i].Text, texts[i].Text);
+    EXPECT_EQ(drawn[i].At, texts[i].At) << texts[i].Text;
+    EXPECT_EQ(drawn[i].Colour, texts[i].Colour) << texts[i].Text;
   }
-  EXPECT_EQ(TextOp(frame, "Challenge"), nullptr);
 }
 
 TEST_F(BoardPlanTest, TitleAndPortraitFollowTheBoardSize) {
-  struct Case {
-    int32_t boardSize, characterId, titleX;
-    PixelRect portrait;
-  };
   // clang-format off
-  const Case cases[] = {{5, 0, 0, {160, 75, 31, 30}}, {6, 10, 36, {190, 90, 23, 68}},
-                        {11, 4, 96, {340, 165, 19, 39}}, {20, 13, 204, {610, 300, 32, 32}}};
+  struct Row { const char* Name; int32_t BoardSize, CharacterId, TitleX; PixelRect Portrait; };
+  const Row rows[] = {{"FiveKeepsTheTitleLeft", 5, 0, 0, {160, 75, 31, 30}},
+                      {"SixShiftsIt", 6, 10, 36, {190, 90, 23, 68}},
+                      {"Seven", 8, 0, 60, {250, 120, 31, 30}},
+                      {"Largest", 20, 13, 204, {610, 300, 32, 32}}};
   // clang-format on
-  for (const Case& c : cases) {
-    SessionState.BoardSize = c.boardSize;
-    SessionState.CharacterId = c.characterId;
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.BoardSize = row.BoardSize;
+    SessionState.CharacterId = row.CharacterId;
     const DrawList frame = GridFrame();
-    EXPECT_EQ(OfKind(frame, DrawKind::Line).size(), 2u * c.boardSize);
-    const DrawOp& title = frame.back();
-    EXPECT_EQ(title.At, (PixelPoint{c.titleX, 0})) << c.boardSize;
+    EXPECT_EQ(OfKind(frame, DrawKind::Line).size(), 2u * row.BoardSize);
+    EXPECT_EQ(frame.back().At, (PixelPoint{row.TitleX, 0}));
     const DrawOp portrait = OfKind(frame, DrawKind::Bitmap).back();
-    EXPECT_EQ(portrait.Resource, 30000 + c.characterId);
-    EXPECT_EQ(portrait.Rect, c.portrait) << c.boardSize;
-  }
+    EXPECT_EQ(portrait.Resource, 30000 + row.CharacterId);
+    EXPECT_EQ(portrait.Rect, row.Portrait);
+    EXPECT_EQ(portrait.Raster, RasterOp::Copy);
+  });
 }
 
 TEST_F(BoardPlanTest, MarkedCellsGetTheirBrushAndAtMostOnePiece) {
-  struct Case {
-    uint8_t value;
-    CellLook look;
-  };
   const CellLook marked{CellBrush::LightGreen, 0, ""};
   // clang-format off
-  const Case cases[] = {
-    {0, {}}, {1, {CellBrush::None, IDB_DISC_GREEN, ""}}, {2, {CellBrush::None, IDB_DISC_RED, ""}},
-    {3, {}}, {15, {}}, {16, marked}, {17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
-    {18, {CellBrush::Gold, IDB_DISC_RED, ""}}, {19, marked}, {33, marked}, {48, marked}, {49, {}},
+  struct Row { const char* Name; uint8_t Value; CellLook Look; };
+  const Row rows[] = {
+    {"Empty", 0, {}}, {"Piece1", 1, Disc(IDB_DISC_GREEN)}, {"Piece2", 2, Disc(IDB_DISC_RED)},
+    {"Unknown", 3, {}}, {"MarkedEmpty", 16, marked},
+    {"MarkedPiece1", 17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
+    {"MarkedPiece2", 18, {CellBrush::Gold, IDB_DISC_RED, ""}},
+    {"MarkedTwice", 33, marked}, {"HighestMarked", 48, marked}, {"BeyondTheMarks", 49, {}},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    Grid[3][5] = c.value;
-    EXPECT_EQ(LookAt(GridFrame(), 3, 5), c.look) << int(c.value);
-  }
-}
-
-TEST_F(BoardPlanTest, SpriteIsDrawnOverItsMask) {
-  Grid[2][7] = 1;
-  const std::vector<DrawOp> bitmaps = OfKind(GridFrame(), DrawKind::Bitmap);
-  ASSERT_EQ(bitmaps.size(), 3u);  // mask, sprite, portrait
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(bitmaps[i].Resource, i == 0 ? IDB_DISC_MASK : IDB_DISC_GREEN);
-    EXPECT_EQ(bitmaps[i].Raster, i == 0 ? RasterOp::And : RasterOp::Or);
-    EXPECT_EQ(bitmaps[i].Rect, (PixelRect{66, 216, 20, 20}));
-  }
+  ForEachRow(rows, [](const Row& row) {
+    Grid[3][5] = row.Value;
+    EXPECT_EQ(LookAt(GridFrame(), 3, 5), row.Look);
+  });
 }
 
 TEST_F(BoardPlanTest, UpsideDownBoardShowsTheLowestRowOnTop) {
@@ -170,52 +147,63 @@ TEST_F(BoardPlanTest, UpsideDownBoardShowsTheLowestRowOnTop) {
   SessionState.AiNumber = 13;
   SessionState.CharacterId = 13;
   const DrawList frame = GridFrame();
-  EXPECT_EQ(LookAt(frame, 4, 1).Sprite, IDB_DISC_GREEN);
-  EXPECT_EQ(LookAt(frame, 4, 7).Sprite, IDB_DISC_YELLOW);
+  EXPECT_EQ(LookAt(frame, 4, 1), Disc(IDB_DISC_GREEN));
+  EXPECT_EQ(LookAt(frame, 4, 7), Disc(IDB_DISC_YELLOW));
   SessionState.AiNumber = 12;  // any other strategy: as stored
   const DrawList upright = GridFrame();
-  EXPECT_EQ(LookAt(upright, 4, 7).Sprite, IDB_DISC_GREEN);
-  EXPECT_EQ(LookAt(upright, 4, 1).Sprite, IDB_DISC_YELLOW);
+  EXPECT_EQ(LookAt(upright, 4, 7), Disc(IDB_DISC_GREEN));
+  EXPECT_EQ(LookAt(upright, 4, 1), Disc(IDB_DISC_YELLOW));
 }
 
 TEST_F(BoardPlanTest, PieceByPlayerCharacterStrategyAndOptions) {
-  struct Case {
-    int32_t player, characterId, aiNumber, showImages, customColours;
-    CellLook look;
-  };
-  const auto disc = [](int32_t sprite) { return CellLook{CellBrush::None, sprite, ""}; };
   const auto letter = [](const char* text) { return CellLook{CellBrush::None, 0, text}; };
-  const CellLook none{};
-  // The human: red for the character 12, else green, or the letter X. The computer's letters
-  // are hidden by strategy 12, whoever is shown. Red for characters 0 and 4 or without own
-  // colours; the characters' colours otherwise. Any other player value draws nothing.
+  // The human's red sprite follows the character shown; the hiding of the computer's letters
+  // follows the strategy number.
   // clang-format off
-  const Case cases[] = {
-    {1, 12, 0, 0, 0, disc(IDB_DISC_RED)}, {1, 0, 0, 1, 1, disc(IDB_DISC_GREEN)},
-    {1, 5, 12, 0, 1, letter("X")}, {2, 3, 12, 0, 1, none}, {2, 12, 0, 0, 1, letter("O")},
-    {2, 6, 0, 1, 0, disc(IDB_DISC_RED)}, {2, 0, 0, 1, 1, disc(IDB_DISC_RED)},
-    {2, 4, 0, 1, 1, disc(IDB_DISC_RED)}, {2, 1, 0, 1, 1, disc(IDB_DISC_BLUE)},
-    {2, 7, 0, 1, 1, disc(IDB_DISC_BLUE)}, {2, 12, 0, 1, 1, disc(IDB_DISC_BLUE)},
-    {2, 2, 0, 1, 1, disc(IDB_DISC_ORANGE)}, {2, 9, 0, 1, 1, disc(IDB_DISC_ORANGE)},
-    {2, 3, 0, 1, 1, disc(IDB_DISC_SILVER)}, {2, 11, 0, 1, 1, disc(IDB_DISC_SILVER)},
-    {2, 5, 0, 1, 1, disc(IDB_DISC_YELLOW)}, {2, 13, 0, 1, 1, disc(IDB_DISC_YELLOW)},
-    {2, 6, 0, 1, 1, disc(IDB_DISC_MAGENTA)}, {2, 8, 0, 1, 1, disc(IDB_DISC_CYAN)},
-    {2, 10, 0, 1, 1, disc(IDB_DISC_VIOLET)}, {0, 1, 0, 1, 1, none}, {3, 1, 0, 1, 1, none},
+  struct Row { const char* Name; int32_t Player, CharacterId, AiNumber, ShowImages, CustomColours;
+               CellLook Look; };
+  const Row rows[] = {
+    {"HumanOfCharacter12IsRedEvenWithoutImages", 1, 12, 0, 0, 0, Disc(IDB_DISC_RED)},
+    {"HumanIsGreen", 1, 0, 0, 1, 1, Disc(IDB_DISC_GREEN)},
+    {"HumanLetterIsNeverHidden", 1, 5, 12, 0, 1, letter("X")},
+    {"Strategy12HidesTheComputersLetters", 2, 3, 12, 0, 1, {}},
+    {"Character12ShowsItsLetters", 2, 12, 0, 0, 1, letter("O")},
+    {"Strategy12ShowsTheComputersSprites", 2, 8, 12, 1, 1, Disc(IDB_DISC_CYAN)},
+    {"WithoutOwnColoursRed", 2, 6, 0, 1, 0, Disc(IDB_DISC_RED)},
+    {"NoPlayer", 0, 1, 0, 1, 1, {}},
+    {"NoThirdPlayer", 3, 1, 0, 1, 1, {}},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    SessionState.CharacterId = c.characterId;
-    SessionState.AiNumber = c.aiNumber;
-    SessionState.ShowImages = c.showImages;
-    SessionState.CustomColours = c.customColours;
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.CharacterId = row.CharacterId;
+    SessionState.AiNumber = row.AiNumber;
+    SessionState.ShowImages = row.ShowImages;
+    SessionState.CustomColours = row.CustomColours;
     DrawList steps;
-    PlanPiece(steps, 2, 3, c.player);
-    SCOPED_TRACE(testing::Message() << "player " << c.player << " character " << c.characterId
-                                    << " strategy " << c.aiNumber);
-    EXPECT_EQ(LookAt(steps, 2, 3), c.look);
-    if (c.look.Letter.empty()) continue;
-    EXPECT_EQ(steps[0].Colour, c.look.Letter == "X" ? Rgb(0, 255, 0) : Rgb(255, 0, 0));
-  }
+    PlanPiece(steps, 2, 3, row.Player);
+    EXPECT_EQ(LookAt(steps, 2, 3), row.Look);
+    if (!row.Look.Letter.empty()) {
+      EXPECT_EQ(steps[0].Colour, row.Look.Letter == "X" ? Rgb(0, 255, 0) : Rgb(255, 0, 0));
+    }
+  });
+}
+
+TEST_F(BoardPlanTest, EveryCharacterPaintsTheComputersPiecesInItsOwnColour) {
+  // clang-format off
+  struct Row { const char* Name; int32_t Sprite; std::vector<int32_t> Characters; };
+  const Row rows[] = {{"Red", IDB_DISC_RED, {0, 4}},        {"Blue", IDB_DISC_BLUE, {1, 7, 12}},
+                      {"Orange", IDB_DISC_ORANGE, {2, 9}},  {"Silver", IDB_DISC_SILVER, {3, 11}},
+                      {"Yellow", IDB_DISC_YELLOW, {5, 13}}, {"Magenta", IDB_DISC_MAGENTA, {6}},
+                      {"Cyan", IDB_DISC_CYAN, {8}},         {"Violet", IDB_DISC_VIOLET, {10}}};
+  // clang-format on
+  ForEachRow(rows, [](const Row& row) {
+    for (const int32_t character : row.Characters) {
+      SessionState.CharacterId = character;
+      DrawList steps;
+      PlanPiece(steps, 2, 3, 2);
+      EXPECT_EQ(LookAt(steps, 2, 3), Disc(row.Sprite)) << "character " << character;
+    }
+  });
 }
 
 TEST_F(BoardPlanTest, EngineBoardIsShownWithItsRowsFromTheBottom) {
@@ -227,17 +215,11 @@ TEST_F(BoardPlanTest, EngineBoardIsShownWithItsRowsFromTheBottom) {
   ASSERT_TRUE(FrameShowsEngineBoard());
   ComposeFrameLogic();
   const DrawList frame = PlanEngineBoard();
-  EXPECT_EQ(LookAt(frame, 1, 7).Sprite, IDB_DISC_GREEN);
-  EXPECT_EQ(LookAt(frame, 1, 6).Sprite, IDB_DISC_VIOLET);
+  EXPECT_EQ(LookAt(frame, 1, 7), Disc(IDB_DISC_GREEN));
+  EXPECT_EQ(LookAt(frame, 1, 6), Disc(IDB_DISC_VIOLET));
   EXPECT_EQ(OfKind(frame, DrawKind::Bitmap).size(), 5u);  // two pieces and the portrait
   EXPECT_EQ(frame.back().At, (PixelPoint{68, 0}));        // the engine board's title
   EXPECT_EQ(OfKind(frame, DrawKind::Bitmap).back().Rect, (PixelRect{250, 120, 23, 68}));
-}
-
-TEST_F(BoardPlanTest, StatusLineIsDrawnOnlyWhenThereIsOne) {
-  SessionState.Level = 7;  // no level name: no status line
-  const DrawList frame = GridFrame();
-  for (const DrawOp& op : OfKind(frame, DrawKind::Text)) EXPECT_NE(op.At.Y, 248);
 }
 
 }  // namespace
