@@ -1,10 +1,9 @@
 // What a frame shows and where: board geometry, marked cells, the pieces of each player and
 // character, the upside-down board, the engine's board, portrait, status and title.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "engine/engine.h"
@@ -66,56 +65,48 @@ CellLook LookAt(const DrawList& list, int32_t x, int32_t y) {
   return look;
 }
 
-TEST_F(BoardPlanTest, SevenCellFrameFromBackgroundToTitle) {
-  SessionState.Challenge = 1;
-  SessionState.LogicalWidth = 293;
-  SessionState.LogicalHeight = 254;
-  const DrawList frame = GridFrame();
-  // The background first: black, the background picture, then the top pixel row black again.
-  ASSERT_GE(frame.size(), 3u);
-  const DrawKind kinds[] = {DrawKind::FillBlack, DrawKind::CopyBackground, DrawKind::FillBlack};
-  const PixelRect rects[] = {{0, 0, 293, 254}, {0, 0, 293, 254}, {0, 0, 293, 1}};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(frame[i].Kind, kinds[i]) << i;
-    EXPECT_EQ(frame[i].Rect, rects[i]) << i;
-  }
-  const std::vector<DrawOp> lines = OfKind(frame, DrawKind::Line);
-  ASSERT_EQ(lines.size(), 16u);  // 8 each way
-  for (int32_t k = 1; k <= 8; ++k) {
-    EXPECT_EQ(lines[2 * k - 2].From, (PixelPoint{30, 30 * k}));
-    EXPECT_EQ(lines[2 * k - 2].To, (PixelPoint{240, 30 * k}));
-    EXPECT_EQ(lines[2 * k - 1].From, (PixelPoint{30 * k, 30}));
-    EXPECT_EQ(lines[2 * k - 1].To, (PixelPoint{30 * k, 240}));
-  }
+TEST_F(BoardPlanTest, FrameFromBackgroundToTitleFollowsTheBoardSize) {
+  // Challenge: where "Challenge" is drawn; the status line starts at x 0 on the same line.
   // clang-format off
-  struct Text { const char* Text; PixelPoint At; uint32_t Colour; };
-  // clang-format on
-  const Text texts[] = {{"Challenge", {231, 248}, Rgb(255, 0, 0)},
-                        {"Facile", {0, 248}, Rgb(255, 128, 0)},
-                        {"Kalvero 4 v5.5 - Joueur 1", {60, 0}, Rgb(255, 192, 0)}};
-  const std::vector<DrawOp> drawn = OfKind(frame, DrawKind::Text);
-  ASSERT_EQ(drawn.size(), 3u);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(drawn[i].Text, texts[i].Text);
-    EXPECT_EQ(drawn[i].At, texts[i].At) << texts[i].Text;
-    EXPECT_EQ(drawn[i].Colour, texts[i].Colour) << texts[i].Text;
-  }
-}
-
-TEST_F(BoardPlanTest, TitleAndPortraitFollowTheBoardSize) {
-  // clang-format off
-  struct Row { const char* Name; int32_t BoardSize, CharacterId, TitleX; PixelRect Portrait; };
-  const Row rows[] = {{"FiveKeepsTheTitleLeft", 5, 0, 0, {160, 75, 31, 30}},
-                      {"SixShiftsIt", 6, 10, 36, {190, 90, 23, 68}},
-                      {"Seven", 8, 0, 60, {250, 120, 31, 30}},
-                      {"Largest", 20, 13, 204, {610, 300, 32, 32}}};
+  struct Row { const char* Name; int32_t BoardSize, CharacterId, TitleX; PixelPoint Challenge;
+               PixelRect Portrait; };
+  const Row rows[] = {{"FiveKeepsTheTitleLeft", 5, 0, 0, {141, 158}, {160, 75, 31, 30}},
+                      {"SixShiftsIt", 6, 10, 36, {171, 188}, {190, 90, 23, 68}},
+                      {"Seven", 8, 0, 60, {231, 248}, {250, 120, 31, 30}},
+                      {"Largest", 20, 13, 204, {591, 608}, {610, 300, 32, 32}}};
   // clang-format on
   ForEachRow(rows, [](const Row& row) {
     SessionState.BoardSize = row.BoardSize;
     SessionState.CharacterId = row.CharacterId;
+    SessionState.Challenge = 1;
+    SessionState.LogicalWidth = 293;
+    SessionState.LogicalHeight = 254;
     const DrawList frame = GridFrame();
-    EXPECT_EQ(OfKind(frame, DrawKind::Line).size(), 2u * row.BoardSize);
-    EXPECT_EQ(frame.back().At, (PixelPoint{row.TitleX, 0}));
+    // The background first: black, the background picture, then the top pixel row black again.
+    ASSERT_GE(frame.size(), 3u);
+    const DrawKind kinds[] = {DrawKind::FillBlack, DrawKind::CopyBackground, DrawKind::FillBlack};
+    const PixelRect rects[] = {{0, 0, 293, 254}, {0, 0, 293, 254}, {0, 0, 293, 1}};
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(frame[i].Kind, kinds[i]) << i;
+      EXPECT_EQ(frame[i].Rect, rects[i]) << i;
+    }
+    const int32_t n = row.BoardSize;
+    const std::vector<DrawOp> lines = OfKind(frame, DrawKind::Line);
+    ASSERT_EQ(lines.size(), 2u * n);  // n each way, framing the cells
+    for (int32_t k = 1; k <= n; ++k) {
+      EXPECT_EQ(lines[2 * k - 2].From, (PixelPoint{30, 30 * k}));
+      EXPECT_EQ(lines[2 * k - 2].To, (PixelPoint{30 * n, 30 * k}));
+      EXPECT_EQ(lines[2 * k - 1].From, (PixelPoint{30 * k, 30}));
+      EXPECT_EQ(lines[2 * k - 1].To, (PixelPoint{30 * k, 30 * n}));
+    }
+    using Text = std::tuple<std::string, PixelPoint, uint32_t>;
+    std::vector<Text> texts;
+    for (const DrawOp& op : OfKind(frame, DrawKind::Text))
+      texts.emplace_back(op.Text, op.At, op.Colour);
+    EXPECT_EQ(texts, (std::vector<Text>{
+                         {"Challenge", row.Challenge, Rgb(255, 0, 0)},
+                         {"Facile", {0, row.Challenge.Y}, Rgb(255, 128, 0)},
+                         {"Kalvero 4 v5.5 - Joueur 1", {row.TitleX, 0}, Rgb(255, 192, 0)}}));
     const DrawOp portrait = OfKind(frame, DrawKind::Bitmap).back();
     EXPECT_EQ(portrait.Resource, 30000 + row.CharacterId);
     EXPECT_EQ(portrait.Rect, row.Portrait);
@@ -128,11 +119,10 @@ TEST_F(BoardPlanTest, MarkedCellsGetTheirBrushAndAtMostOnePiece) {
   // clang-format off
   struct Row { const char* Name; uint8_t Value; CellLook Look; };
   const Row rows[] = {
-    {"Empty", 0, {}}, {"Piece1", 1, Disc(IDB_DISC_GREEN)}, {"Piece2", 2, Disc(IDB_DISC_RED)},
-    {"Unknown", 3, {}}, {"MarkedEmpty", 16, marked},
-    {"MarkedPiece1", 17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
-    {"MarkedPiece2", 18, {CellBrush::Gold, IDB_DISC_RED, ""}},
-    {"MarkedTwice", 33, marked}, {"HighestMarked", 48, marked}, {"BeyondTheMarks", 49, {}},
+    {"Empty", 0, {}}, {"Piece1", 1, Disc(IDB_DISC_GREEN)}, {"Piece2", 2, Disc(IDB_DISC_RED)}, {"Unknown", 3, {}},
+    {"MarkedEmpty", 16, marked}, {"MarkedPiece1", 17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
+    {"MarkedPiece2", 18, {CellBrush::Gold, IDB_DISC_RED, ""}}, {"MarkedTwice", 33, marked},
+    {"HighestMarked", 48, marked}, {"BeyondTheMarks", 49, {}},
   };
   // clang-format on
   ForEachRow(rows, [](const Row& row) {
@@ -157,8 +147,8 @@ TEST_F(BoardPlanTest, UpsideDownBoardShowsTheLowestRowOnTop) {
 
 TEST_F(BoardPlanTest, PieceByPlayerCharacterStrategyAndOptions) {
   const auto letter = [](const char* text) { return CellLook{CellBrush::None, 0, text}; };
-  // The human's red sprite follows the character shown; the hiding of the computer's letters
-  // follows the strategy number.
+  // The human's red sprite and the computer's colour follow the character shown; the hiding of
+  // the computer's letters follows the strategy number.
   // clang-format off
   struct Row { const char* Name; int32_t Player, CharacterId, AiNumber, ShowImages, CustomColours;
                CellLook Look; };
@@ -170,8 +160,14 @@ TEST_F(BoardPlanTest, PieceByPlayerCharacterStrategyAndOptions) {
     {"Character12ShowsItsLetters", 2, 12, 0, 0, 1, letter("O")},
     {"Strategy12ShowsTheComputersSprites", 2, 8, 12, 1, 1, Disc(IDB_DISC_CYAN)},
     {"WithoutOwnColoursRed", 2, 6, 0, 1, 0, Disc(IDB_DISC_RED)},
-    {"NoPlayer", 0, 1, 0, 1, 1, {}},
-    {"NoThirdPlayer", 3, 1, 0, 1, 1, {}},
+    {"NoPlayer", 0, 1, 0, 1, 1, {}}, {"NoThirdPlayer", 3, 1, 0, 1, 1, {}},
+    {"Own0", 2, 0, 0, 1, 1, Disc(IDB_DISC_RED)},     {"Own1", 2, 1, 0, 1, 1, Disc(IDB_DISC_BLUE)},
+    {"Own2", 2, 2, 0, 1, 1, Disc(IDB_DISC_ORANGE)},  {"Own3", 2, 3, 0, 1, 1, Disc(IDB_DISC_SILVER)},
+    {"Own4", 2, 4, 0, 1, 1, Disc(IDB_DISC_RED)},     {"Own5", 2, 5, 0, 1, 1, Disc(IDB_DISC_YELLOW)},
+    {"Own6", 2, 6, 0, 1, 1, Disc(IDB_DISC_MAGENTA)}, {"Own7", 2, 7, 0, 1, 1, Disc(IDB_DISC_BLUE)},
+    {"Own8", 2, 8, 0, 1, 1, Disc(IDB_DISC_CYAN)},    {"Own9", 2, 9, 0, 1, 1, Disc(IDB_DISC_ORANGE)},
+    {"Own10", 2, 10, 0, 1, 1, Disc(IDB_DISC_VIOLET)}, {"Own11", 2, 11, 0, 1, 1, Disc(IDB_DISC_SILVER)},
+    {"Own12", 2, 12, 0, 1, 1, Disc(IDB_DISC_BLUE)},  {"Own13", 2, 13, 0, 1, 1, Disc(IDB_DISC_YELLOW)},
   };
   // clang-format on
   ForEachRow(rows, [](const Row& row) {
@@ -184,24 +180,6 @@ TEST_F(BoardPlanTest, PieceByPlayerCharacterStrategyAndOptions) {
     EXPECT_EQ(LookAt(steps, 2, 3), row.Look);
     if (!row.Look.Letter.empty()) {
       EXPECT_EQ(steps[0].Colour, row.Look.Letter == "X" ? Rgb(0, 255, 0) : Rgb(255, 0, 0));
-    }
-  });
-}
-
-TEST_F(BoardPlanTest, EveryCharacterPaintsTheComputersPiecesInItsOwnColour) {
-  // clang-format off
-  struct Row { const char* Name; int32_t Sprite; std::vector<int32_t> Characters; };
-  const Row rows[] = {{"Red", IDB_DISC_RED, {0, 4}},        {"Blue", IDB_DISC_BLUE, {1, 7, 12}},
-                      {"Orange", IDB_DISC_ORANGE, {2, 9}},  {"Silver", IDB_DISC_SILVER, {3, 11}},
-                      {"Yellow", IDB_DISC_YELLOW, {5, 13}}, {"Magenta", IDB_DISC_MAGENTA, {6}},
-                      {"Cyan", IDB_DISC_CYAN, {8}},         {"Violet", IDB_DISC_VIOLET, {10}}};
-  // clang-format on
-  ForEachRow(rows, [](const Row& row) {
-    for (const int32_t character : row.Characters) {
-      SessionState.CharacterId = character;
-      DrawList steps;
-      PlanPiece(steps, 2, 3, 2);
-      EXPECT_EQ(LookAt(steps, 2, 3), Disc(row.Sprite)) << "character " << character;
     }
   });
 }

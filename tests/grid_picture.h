@@ -1,10 +1,8 @@
 // Boards drawn as text for the tests: rows top first, separated by '/'; '.' empty, '1' and '2'
-// pieces, 'a' and 'b' marked pieces of 1 and 2, '*' a marked empty cell.
+// pieces, '*' a marked empty cell, 'a' and 'b' marked pieces of 1 and 2.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,43 +10,43 @@
 #include "ground/session.h"
 #include "opponents/referee.h"
 
-inline constexpr std::string_view kCellSymbols = ".12*ab";
-inline constexpr uint8_t kCellValues[] = {0, 1, 2, 16, 17, 18};
+inline constexpr std::string_view kCellSymbols = ".12*ab";  // values 0, 1, 2, 16, 17, 18
 
 // Clears the grid, fills it from the picture and gives BoardSize the picture's number of rows.
 inline void SetGrid(std::string_view picture) {
   GridClear();
   int32_t column = 1, row = 1;
-  for (const char ch : picture) {
-    if (ch == '/') {
-      ++row;
+  for (const char symbol : picture) {
+    if (symbol == '/') {
       column = 1;
-    } else {
-      Grid[column++][row] = kCellValues[kCellSymbols.find(ch)];
+      ++row;
+      continue;
     }
+    const auto k = static_cast<uint8_t>(kCellSymbols.find(symbol));
+    Grid[column++][row] = k < 3 ? k : k + 13;
   }
   SessionState.BoardSize = row + 1;
 }
 
-// The playable square of the grid, one string per row, top row first; '?' for a value without
-// a symbol.
-inline std::vector<std::string> GridRows() {
-  std::vector<std::string> rows;
-  for (int32_t row = 1; row <= CellsPerSide(); ++row) {
-    std::string text;
-    for (int32_t column = 1; column <= CellsPerSide(); ++column) {
-      const uint8_t* end = std::end(kCellValues);
-      const uint8_t* at = std::find(std::begin(kCellValues), end, Grid[column][row]);
-      text += at == end ? '?' : kCellSymbols[at - kCellValues];
-    }
-    rows.push_back(text);
-  }
-  return rows;
-}
-
-// The same rows as one picture.
+// The playable square of the grid as a picture; '?' for a value without a symbol.
 inline std::string GridPicture() {
   std::string picture;
-  for (const std::string& row : GridRows()) picture += (picture.empty() ? "" : "/") + row;
+  for (int32_t row = 1; row <= CellsPerSide(); ++row) {
+    if (row > 1) picture += '/';
+    for (int32_t column = 1; column <= CellsPerSide(); ++column) {
+      const uint8_t v = Grid[column][row];
+      picture += v < 3 ? kCellSymbols[v] : v >= 16 && v <= 18 ? kCellSymbols[v - 13] : '?';
+    }
+  }
   return picture;
+}
+
+// The same picture, one string per row.
+inline std::vector<std::string> GridRows() {
+  std::vector<std::string> rows(1);
+  for (const char symbol : GridPicture()) {
+    if (symbol == '/') rows.emplace_back();
+    if (symbol != '/') rows.back() += symbol;
+  }
+  return rows;
 }

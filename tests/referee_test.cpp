@@ -1,6 +1,4 @@
 // The referee: drops, the winning run of each length, the scan order and the marking.
-#include <gtest/gtest.h>
-
 #include <string>
 
 #include "grid_picture.h"

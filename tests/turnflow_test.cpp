@@ -1,7 +1,5 @@
 // The turn flow, the game effects of painting and the engine bridge: how clicks, keys and
 // repaints drive a game, and how a game ends on screen.
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
 #include <algorithm>
@@ -31,15 +29,12 @@ class TurnFlowTest : public CoreTest {
     SeedRandom(2024);
     EngineSeededGenerator = true;
   }
+  // Pieces on the referee's board and on the engine's.
   static int32_t Pieces() {
-    const std::string picture = GridPicture();
-    return static_cast<int32_t>(std::count_if(
-        picture.begin(), picture.end(), [](char cell) { return cell == '1' || cell == '2'; }));
-  }
-  static int32_t EnginePieces() {
     int32_t n = 0;
-    for (int c = 0; c < 7; ++c)
-      for (int r = 0; r < 7; ++r) n += EngineBoardView()[c][r] != kEngineEmpty;
+    for (int c = 0; c < kGridSide; ++c)
+      for (int r = 0; r < kGridSide; ++r)
+        n += (Grid[c][r] != 0) + (c < 7 && r < 7 && EngineBoardView()[c][r] != kEngineEmpty);
     return n;
   }
   // One repaint without pixels, as the window runs it.
@@ -52,22 +47,11 @@ class TurnFlowTest : public CoreTest {
   std::string status_;
 };
 
-TEST_F(TurnFlowTest, ClickPlaysTheColumnUnderThePointerAndRepaintsEvenWhenRefused) {
-  NewGame();
-  PlayAt(MouseX);  // no pointer move yet: column 0, refused
-  EXPECT_EQ(Pieces(), 0);
-  EXPECT_EQ(SessionState.PendingTurn, 1);
-  EXPECT_EQ(FakePlatform.RepaintRequests, 1);
-  PlayAt(95);
-  EXPECT_EQ(Grid[3][7], 1);
-  EXPECT_EQ(FakePlatform.RepaintRequests, 2);
-}
-
 TEST_F(TurnFlowTest, EngineClickPlaysTheColumnLeftOfTheGrids) {
   SessionState.AiNumber = 10;
   NewGame();
   PlayAt(MouseX);  // no pointer move yet: engine column -1, refused
-  EXPECT_EQ(EnginePieces(), 0);
+  EXPECT_EQ(Pieces(), 0);
   EXPECT_EQ(SessionState.EngineSideToMove, 1);
   PlayAt(95);  // engine column 95 / 30 - 1 = 2
   EXPECT_EQ(EngineBoardView()[2][0], 1);
@@ -93,6 +77,7 @@ TEST_F(TurnFlowTest, KeysNameColumnsFromOne) {
     NewGame();
     PlayKey(static_cast<int8_t>(row.Key));
     EXPECT_EQ(FakePlatform.RepaintRequests, row.Repaints);
+    EXPECT_EQ(SessionState.PendingTurn, row.Column == 0 ? 1 : 2);
     EXPECT_EQ(Pieces(), row.Column == 0 ? 0 : 1);
     if (row.Column != 0) {
       EXPECT_EQ(Grid[row.Column][row.BoardSize - 1], 1);
@@ -100,30 +85,23 @@ TEST_F(TurnFlowTest, KeysNameColumnsFromOne) {
   });
 }
 
-TEST_F(TurnFlowTest, RepaintJudgesAndRepliesThenWaits) {
-  NewGame();
-  PlayAt(95);
-  Repaint();
-  EXPECT_EQ(status_, "L'ordi réfléchit...");
-  EXPECT_EQ(SessionState.PendingTurn, 1);
-  EXPECT_EQ(SessionState.GameStarted, 1);
-  EXPECT_EQ(Pieces(), 2);
-  Repaint();
-  EXPECT_EQ(status_, "Facile");
-  EXPECT_EQ(Pieces(), 2);
-}
-
-TEST_F(TurnFlowTest, EngineGameRepliesAtTheRepaint) {
-  SessionState.AiNumber = 10;
-  SessionState.CharacterId = 10;
-  NewGame();
-  PlayAt(125);
-  ASSERT_TRUE(FrameShowsEngineBoard());
-  Repaint();
-  EXPECT_EQ(status_, "Coco réfléchit...");
-  EXPECT_EQ(EnginePieces(), 2);
-  EXPECT_EQ(SessionState.EngineSideToMove, 1);
-  EXPECT_EQ(SessionState.GameStarted, 1);
+TEST_F(TurnFlowTest, RepaintShowsTheMoveThenReplies) {
+  // clang-format off
+  struct Row { const char* Name; int32_t Ai; const char* Thinking; };
+  const Row rows[] = {{"LookAhead", 0, "L'ordi réfléchit..."}, {"Engine", 10, "Coco réfléchit..."}};
+  // clang-format on
+  ForEachRow(rows, [this](const Row& row) {
+    SessionState.AiNumber = SessionState.CharacterId = row.Ai;
+    NewGame();
+    PlayAt(125);
+    Repaint();
+    EXPECT_EQ(status_, row.Thinking);
+    EXPECT_EQ(SessionState.GameStarted, 1);
+    EXPECT_EQ(Pieces(), 2);  // the human's piece and the reply
+    Repaint();
+    EXPECT_EQ(status_, "Facile");
+    EXPECT_EQ(Pieces(), 2);  // nothing more until the next move
+  });
 }
 
 TEST_F(TurnFlowTest, FinishedEngineGameMovesOntoTheGrid) {
@@ -160,23 +138,7 @@ TEST_F(TurnFlowTest, EngineWinThatFillsTheBoardIsAWin) {
   EXPECT_EQ(status_, "Dr Robotnik a gagné!");
 }
 
-TEST_F(TurnFlowTest, CeilingRuleStrikesOncePerGame) {
-  SessionState.AiNumber = 6;
-  NewGame();
-  SetGrid("..1..../..2..../..1..../..2..../..1..../..2..../..1....");
-  Repaint();
-  EXPECT_EQ(SessionState.GameResult, 2);
-  const std::string struck = "**a****/**b****/**a****/**b****/**a****/**b****/**a****";
-  EXPECT_EQ(GridPicture(), struck);  // every cell marked once, empty ones too
-  Repaint();                         // later repaints of the same game leave the marks alone
-  EXPECT_EQ(GridPicture(), struck);
-  PlayAt(30);
-  SetGrid("1....../2....../1....../2....../1....../2....../1......");
-  Repaint();
-  EXPECT_EQ(Grid[1][1], 17);  // a new game can be ended by the ceiling again
-}
-
-TEST_F(TurnFlowTest, CeilingEndsTheGameBeforeTheReply) {
+TEST_F(TurnFlowTest, CeilingRuleStrikesBeforeTheReplyAndOncePerGame) {
   SessionState.AiNumber = 6;
   NewGame();
   SetGrid("......./..2..../..1..../..2..../..1..../..2..../..1....");
@@ -185,6 +147,13 @@ TEST_F(TurnFlowTest, CeilingEndsTheGameBeforeTheReply) {
   EXPECT_EQ(status_, "L'ordi réfléchit...");
   EXPECT_EQ(Pieces(), 0);
   EXPECT_EQ(StatsTable[24].Lost, 1);
+  SetGrid("1....../2....../1....../2....../1....../2....../1......");  // in the new game
+  Repaint();
+  EXPECT_EQ(SessionState.GameResult, 2);
+  const std::string struck = "a******/b******/a******/b******/a******/b******/a******";
+  EXPECT_EQ(GridPicture(), struck);  // every cell marked once, empty ones too
+  Repaint();                         // later repaints of the same game leave the marks alone
+  EXPECT_EQ(GridPicture(), struck);
 }
 
 TEST_F(TurnFlowTest, StatusLineOfTheGridFrame) {
@@ -192,15 +161,11 @@ TEST_F(TurnFlowTest, StatusLineOfTheGridFrame) {
   struct Row { const char* Name; int32_t Mode, Level, Result, Pending, Character;
                const char* Expected; };
   const Row rows[] = {
-    {"ThinkingBeatsResult", 1, 0, 2, 2, 7, "Mickey réfléchit..."},
-    {"ComputerWon", 1, 1, 2, 1, 11, "Fred Pierrafeu a gagné!"},
-    {"HumanWon", 1, 1, 1, 1, 11, "<Votre nom> a gagné!"},
-    {"Draw", 1, 1, 3, 1, 0, "Aucun gagnant!"},
+    {"ThinkingBeatsResult", 1, 0, 2, 2, 7, "Mickey réfléchit..."}, {"Draw", 1, 1, 3, 1, 0, "Aucun gagnant!"},
+    {"ComputerWon", 1, 1, 2, 1, 11, "Fred Pierrafeu a gagné!"}, {"Level", 1, 2, 0, 1, 0, "Dur"},
+    {"HumanWon", 1, 1, 1, 1, 11, "<Votre nom> a gagné!"}, {"NoLevelNameNoStatus", 1, 7, 0, 1, 0, ""},
     {"TwoPlayersNeverThink", 2, 1, 2, 2, 0, "Joueur 2 a gagné!"},
-    {"TwoPlayerDraw", 2, 0, 3, 1, 0, "Aucun gagnant!"},
-    {"Level", 1, 2, 0, 1, 0, "Dur"},
-    {"NoLevelNameNoStatus", 1, 7, 0, 1, 0, ""},
-    {"TwoPlayerSection", 2, 1, 0, 2, 0, "Stats n°2"},
+    {"TwoPlayerDraw", 2, 0, 3, 1, 0, "Aucun gagnant!"}, {"TwoPlayerSection", 2, 1, 0, 2, 0, "Stats n°2"},
   };
   // clang-format on
   ForEachRow(rows, [](const Row& row) {
