@@ -114,35 +114,28 @@ TEST_F(BoardPlanTest, FrameFromBackgroundToTitleFollowsTheBoardSize) {
   });
 }
 
-TEST_F(BoardPlanTest, MarkedCellsGetTheirBrushAndAtMostOnePiece) {
+TEST_F(BoardPlanTest, GridCellsByValueAndStrategy) {
+  // A value in grid column 3, row 5, and the screen row that shows it: upside down with
+  // strategy 13, so that the row a piece reaches first is on top.
   const CellLook marked{CellBrush::LightGreen, 0, ""};
   // clang-format off
-  struct Row { const char* Name; uint8_t Value; CellLook Look; };
+  struct Row { const char* Name; int32_t Ai; uint8_t Value; int32_t ScreenRow; CellLook Look; };
   const Row rows[] = {
-    {"Empty", 0, {}}, {"Piece1", 1, Disc(IDB_DISC_GREEN)}, {"Piece2", 2, Disc(IDB_DISC_RED)}, {"Unknown", 3, {}},
-    {"MarkedEmpty", 16, marked}, {"MarkedPiece1", 17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
-    {"MarkedPiece2", 18, {CellBrush::Gold, IDB_DISC_RED, ""}}, {"MarkedTwice", 33, marked},
-    {"HighestMarked", 48, marked}, {"BeyondTheMarks", 49, {}},
+    {"Empty", 0, 0, 5, {}}, {"Piece1", 0, 1, 5, Disc(IDB_DISC_GREEN)},
+    {"Piece2", 0, 2, 5, Disc(IDB_DISC_RED)}, {"Unknown", 0, 3, 5, {}},
+    {"MarkedEmpty", 0, 16, 5, marked}, {"MarkedPiece1", 0, 17, 5, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
+    {"MarkedPiece2", 0, 18, 5, {CellBrush::Gold, IDB_DISC_RED, ""}}, {"MarkedTwice", 0, 33, 5, marked},
+    {"HighestMarked", 0, 48, 5, marked}, {"BeyondTheMarks", 0, 49, 5, {}},
+    {"UpsideDown", 13, 1, 3, Disc(IDB_DISC_GREEN)},
+    {"UpsideDownMarked", 13, 18, 3, {CellBrush::Gold, IDB_DISC_RED, ""}},
+    {"OtherStrategiesUpright", 12, 1, 5, Disc(IDB_DISC_GREEN)},
   };
   // clang-format on
   ForEachRow(rows, [](const Row& row) {
+    SessionState.AiNumber = row.Ai;
     Grid[3][5] = row.Value;
-    EXPECT_EQ(LookAt(GridFrame(), 3, 5), row.Look);
+    EXPECT_EQ(LookAt(GridFrame(), 3, row.ScreenRow), row.Look);
   });
-}
-
-TEST_F(BoardPlanTest, UpsideDownBoardShowsTheLowestRowOnTop) {
-  Grid[4][7] = 1;  // the row a piece reaches first
-  Grid[4][1] = 2;
-  SessionState.AiNumber = 13;
-  SessionState.CharacterId = 13;
-  const DrawList frame = GridFrame();
-  EXPECT_EQ(LookAt(frame, 4, 1), Disc(IDB_DISC_GREEN));
-  EXPECT_EQ(LookAt(frame, 4, 7), Disc(IDB_DISC_YELLOW));
-  SessionState.AiNumber = 12;  // any other strategy: as stored
-  const DrawList upright = GridFrame();
-  EXPECT_EQ(LookAt(upright, 4, 7), Disc(IDB_DISC_GREEN));
-  EXPECT_EQ(LookAt(upright, 4, 1), Disc(IDB_DISC_YELLOW));
 }
 
 TEST_F(BoardPlanTest, PieceByPlayerCharacterStrategyAndOptions) {

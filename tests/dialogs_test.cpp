@@ -68,12 +68,9 @@ TEST_F(DialogTest, CharactersOkTakesEverythingThenJudgesTheStrategy) {
   constexpr StrategyVerdict kOk = StrategyVerdict::Accept, kOut = StrategyVerdict::OutOfRange,
                             kAsk = StrategyVerdict::AskCocoBoard;
   const Row rows[] = {
-    {"EmptyIsZero", 8, "Bo", "", kOk, 0, "Bo"},
-    {"HighestOnAnyBoard", 12, "Bo", "13", kOk, 13, "Bo"},
-    {"Fourteen", 8, "Bo", "14", kOut, 14, "Bo"},
-    {"MinusOne", 8, "Bo", "-1", kOut, -1, "Bo"},
-    {"TwoCharactersOnly", 8, "Bo", "-12", kOut, -1, "Bo"},
-    {"LetterEndsTheNumber", 8, "Bo", "7a", kOk, 7, "Bo"},
+    {"EmptyIsZero", 8, "Bo", "", kOk, 0, "Bo"}, {"HighestOnAnyBoard", 12, "Bo", "13", kOk, 13, "Bo"},
+    {"Fourteen", 8, "Bo", "14", kOut, 14, "Bo"}, {"MinusOne", 8, "Bo", "-1", kOut, -1, "Bo"},
+    {"TwoCharactersOnly", 8, "Bo", "-12", kOut, -1, "Bo"}, {"LetterEnds", 8, "Bo", "7a", kOk, 7, "Bo"},
     {"SearcherOnSevenCells", 8, "Bo", "10", kOk, 10, "Bo"},
     {"HundredAsksForTheSearcher", 12, "Bo", "100", kAsk, 10, "Bo"},
     {"LongNameIsCut", 8, "abcdefghijklmnopqrstuvwxyz0123", "0", kOk, 0, "abcdefghijklmnopqrstuvwx"},

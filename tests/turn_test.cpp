@@ -31,21 +31,14 @@ class PlayTurnTest : public CoreTest {
   }
 };
 
-TEST_F(PlayTurnTest, TheHumansDropIsJudgedOnlyByTheNextCall) {
-  Start("......./......./......./......./......./......./111....");
-  PlayTurn(4 * 30 + 5);
-  EXPECT_EQ(SessionState.PendingTurn, 2);
-  EXPECT_EQ(SessionState.GameResult, 0);
-  PlayTurn(4 * 30 + 5);
-  EXPECT_EQ(SessionState.GameResult, 1);  // judged and marked; no reply
-  EXPECT_EQ(GridPicture(), "......./......./......./......./......./......./aaaa...");
-}
-
 TEST_F(PlayTurnTest, ReplyOnKnownPositions) {
   // clang-format off
   struct Row { const char* Name; int32_t Ai, Level; const char* Board; int32_t Human;
                const char* After; int32_t Result; };
   const Row rows[] = {
+    // The human's own line is judged by the second call, which then makes no reply.
+    {"HumansLine", 0, 1, "......./......./......./......./......./......./111....", 4,
+                         "......./......./......./......./......./......./aaaa...", 1},
     // The left one of two winning columns; winning beats blocking; blocking even at Facile.
     {"WinsInTheLeftColumn", 0, 1, "......./......./......./......./2.....2/2.....2/21....2", 2,
                                   "......./......./......./b....../b.....2/b1....2/b1....2", 2},
@@ -67,12 +60,15 @@ TEST_F(PlayTurnTest, ReplyOnKnownPositions) {
                                     "......./......./......./......./..2..../..1..../..1.1..", 0},
     // A computer move that completes a line in the last free cell is a win, not a draw.
     {"LastCellWinIsAWin", 3, 1, ".1./212/122", 1, "11b/21b/12b", 2},
+    // The human fills the board without a line: the random move gives up, nobody wins.
+    {"HumanFillsTheBoard", 0, 1, ".21/212/121", 1, "121/212/121", 3},
   };
   // clang-format on
   ForEachRow(rows, [](const Row& row) {
     Start(row.Board, row.Ai, row.Level);
     PlayTurn(30 * row.Human + 5);
     ASSERT_EQ(SessionState.PendingTurn, 2) << "the human's column was refused";
+    EXPECT_EQ(SessionState.GameResult, 0);  // the drop alone is never judged
     PlayTurn(30 * row.Human + 5);
     EXPECT_EQ(GridPicture(), row.After);
     EXPECT_EQ(SessionState.GameResult, row.Result);
@@ -90,13 +86,6 @@ TEST_F(PlayTurnTest, PlainLookAheadKeepsTheLowestNegativeScores) {
   // Every other column leaves both ends open: -16.
   const int32_t expected[] = {0, -8, -16, -16, -16, -8, -16, -16};
   for (int32_t c = 1; c <= 7; ++c) EXPECT_EQ(Turn.ColumnValue[c], expected[c]) << c;
-}
-
-TEST_F(PlayTurnTest, HumanFillingTheBoardEndsInADrawWhenTheRandomMoveGivesUp) {
-  Start(".21/212/121");
-  PlayTurn(30);  // the last free cell
-  PlayTurn(30);
-  EXPECT_EQ(SessionState.GameResult, 3);
 }
 
 TEST_F(PlayTurnTest, TwoPlayerGameAlternatesAndStaysOnTheWinner) {

@@ -51,14 +51,14 @@ TEST_F(TurnFlowTest, EngineClickPlaysTheColumnLeftOfTheGrids) {
   SessionState.AiNumber = 10;
   NewGame();
   PlayAt(MouseX);  // no pointer move yet: engine column -1, refused
-  EXPECT_EQ(Pieces(), 0);
   EXPECT_EQ(SessionState.EngineSideToMove, 1);
   PlayAt(95);  // engine column 95 / 30 - 1 = 2
-  EXPECT_EQ(EngineBoardView()[2][0], 1);
   EXPECT_EQ(SessionState.EngineSideToMove, 0);
   PlayAt(95);  // a second click before the repaint plays for the engine's side
-  EXPECT_EQ(EngineBoardView()[2][1], 0);
   EXPECT_EQ(SessionState.EngineSideToMove, 1);
+  EXPECT_EQ(EngineBoardView()[2][0], 1);
+  EXPECT_EQ(EngineBoardView()[2][1], 0);
+  EXPECT_EQ(Pieces(), 2);
 }
 
 TEST_F(TurnFlowTest, KeysNameColumnsFromOne) {
@@ -180,31 +180,19 @@ TEST_F(TurnFlowTest, StatusLineOfTheGridFrame) {
   });
 }
 
-// Closing writes the save file into the working directory: each case runs in a folder of
-// its own.
-class CloseSessionTest : public TurnFlowTest {
- protected:
-  void SetUp() override {
-    TurnFlowTest::SetUp();
-    previous_ = fs::current_path();
-    dir_ = fs::temp_directory_path() / ("kalvero-close-" + std::to_string(getpid()));
-    fs::create_directories(dir_);
-    fs::current_path(dir_);
-  }
-  void TearDown() override {
-    fs::current_path(previous_);
-    fs::remove_all(dir_);
-  }
-  fs::path previous_, dir_;
-};
-
-TEST_F(CloseSessionTest, CountsAStartedUndecidedGameOnceAndAlwaysSaves) {
+TEST_F(TurnFlowTest, CloseSessionCountsAStartedUndecidedGameOnceAndAlwaysSaves) {
   // clang-format off
   struct Row { const char* Name; int32_t Started, Result, QuitByMenu, Lost; };
   const Row rows[] = {{"InProgress", 1, 0, 0, 1}, {"AlreadyCountedByQuit", 1, 0, 1, 0},
                       {"NothingPlayed", 0, 0, 0, 0}, {"Decided", 1, 2, 0, 0}};
   // clang-format on
+  // The save file goes to the working directory: a folder of this test's own.
+  const fs::path previous = fs::current_path();
+  const fs::path dir = fs::temp_directory_path() / ("kalvero-close-" + std::to_string(getpid()));
+  fs::create_directories(dir);
+  fs::current_path(dir);
   ForEachRow(rows, [](const Row& row) {
+    fs::remove("Fichier de sauvegarde");
     SessionState.GameStarted = row.Started;
     SessionState.GameResult = row.Result;
     SessionState.QuitByMenu = row.QuitByMenu;
@@ -214,6 +202,8 @@ TEST_F(CloseSessionTest, CountsAStartedUndecidedGameOnceAndAlwaysSaves) {
     EXPECT_EQ(FakePlatform.EndLoopCode, 0);
     EXPECT_EQ(fs::file_size("Fichier de sauvegarde"), 1142u);
   });
+  fs::current_path(previous);
+  fs::remove_all(dir);
 }
 
 }  // namespace
