@@ -21,7 +21,6 @@ class MenuLogicTest : public CoreTest {
     NewGame();  // the first game, as the first repaint starts it
     FakePlatform = FakePlatformRecord{};
   }
-  void TearDown() override { EndEngineGame(); }
 };
 
 const std::string kLose = "La partie sera perdue", kHome = "L'acceuil n'est accessible";
