@@ -88,19 +88,6 @@ TEST_F(PlayTurnTest, PlainLookAheadKeepsTheLowestNegativeScores) {
   for (int32_t c = 1; c <= 7; ++c) EXPECT_EQ(Turn.ColumnValue[c], expected[c]) << c;
 }
 
-TEST_F(PlayTurnTest, TwoPlayerGameAlternatesAndStaysOnTheWinner) {
-  SessionState.GameMode = 2;
-  NewGame();
-  for (const int32_t column : {1, 2, 1, 2, 1, 2, 1}) {
-    PlayTurn(30 * column);
-    PlayTurn(30 * column);
-    SessionState.PendingTurn = 1;
-  }
-  EXPECT_EQ(SessionState.GameResult, 1);
-  EXPECT_EQ(SessionState.CurrentPlayer, 1);
-  EXPECT_EQ(GridPicture(), "......./......./......./a....../a2...../a2...../a2.....");
-}
-
 TEST_F(PlayTurnTest, SecondClickBeforeTheRepaintRepliesTwice) {
   Start(kEmpty, 0, 0);
   PlayTurn(95);

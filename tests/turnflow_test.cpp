@@ -85,25 +85,6 @@ TEST_F(TurnFlowTest, KeysNameColumnsFromOne) {
   });
 }
 
-TEST_F(TurnFlowTest, RepaintShowsTheMoveThenReplies) {
-  // clang-format off
-  struct Row { const char* Name; int32_t Ai; const char* Thinking; };
-  const Row rows[] = {{"LookAhead", 0, "L'ordi réfléchit..."}, {"Engine", 10, "Coco réfléchit..."}};
-  // clang-format on
-  ForEachRow(rows, [this](const Row& row) {
-    SessionState.AiNumber = SessionState.CharacterId = row.Ai;
-    NewGame();
-    PlayAt(125);
-    Repaint();
-    EXPECT_EQ(status_, row.Thinking);
-    EXPECT_EQ(SessionState.GameStarted, 1);
-    EXPECT_EQ(Pieces(), 2);  // the human's piece and the reply
-    Repaint();
-    EXPECT_EQ(status_, "Facile");
-    EXPECT_EQ(Pieces(), 2);  // nothing more until the next move
-  });
-}
-
 TEST_F(TurnFlowTest, FinishedEngineGameMovesOntoTheGrid) {
   SessionState.AiNumber = 10;
   NewGame();
