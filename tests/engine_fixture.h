@@ -12,13 +12,14 @@
 #include "engine/engine.h"
 #include "engine/engine_state.h"
 #include "ground/random.h"
+#include "ground/test_hooks.h"
 
 class EngineTest : public ::testing::Test {
  protected:
   void SetUp() override {
     EngineRelease();               // harmless when no engine game is open
     EngineSeededGenerator = true;  // no clock seeding: the tests choose their seeds
-    EngineAllocationsLeft = -1;
+    TestHooks = TestHooksRecord{};
     EngineStart(8, 7, 4);
     SeedRandom(1);
   }

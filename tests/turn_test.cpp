@@ -135,7 +135,7 @@ std::string ReplyCaseName(const ::testing::TestParamInfo<ReplyCase>& param) {
 
 INSTANTIATE_TEST_SUITE_P(Cases, ReplyTest, ::testing::ValuesIn(kReplyCases), ReplyCaseName);
 
-TEST_F(PlayTurnTest, PlainLookAheadKeepsTheLowestNegativeScores) {
+TEST_F(PlayTurnTest, LookAheadKeepsTheLowestNegativeScores) {
   // Three open human pieces: two winning answers after any computer move but the blocks.
   SessionState.AiNumber = 0;
   SessionState.Level = 1;
@@ -144,7 +144,7 @@ TEST_F(PlayTurnTest, PlainLookAheadKeepsTheLowestNegativeScores) {
   for (int32_t k = 0; k < 7; ++k) Turn.ShuffledColumns[k] = k + 1;
   std::memset(Turn.ColumnValue, 0, sizeof Turn.ColumnValue);
   std::memcpy(Turn.Snapshots[0], Grid, sizeof Grid);
-  const int32_t chosen = PlainLookAhead(2);
+  const int32_t chosen = LookAhead(2);
   // Columns 1 and 5 block one end; the human still completes at the other: -8 = -W2 each.
   // Every other column leaves both ends open: -16.
   const int32_t expected[] = {0, -8, -16, -16, -16, -8, -16, -16};
