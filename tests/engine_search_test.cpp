@@ -23,9 +23,7 @@ extern "C" int32_t __wrap__Z9DropPieceii(int32_t player, int32_t column) {
 namespace {
 
 constexpr int32_t kLoss = -(kEngineInfinity - 2);  // the reply completes a line
-// In a table of values, neither a value any of its positions takes:
-constexpr int32_t kAny = INT32_MIN;        // not checked (a full column, or the one played)
-constexpr int32_t kBelow = INT32_MIN + 1;  // less than the value of the column played
+constexpr int32_t kAny = INT32_MIN;  // in a table of values: not checked (never a value)
 
 struct Choice {
   bool played = false;
@@ -41,25 +39,6 @@ Choice ChooseAndPlay(int32_t player, int32_t depth) {
   return c;
 }
 
-std::vector<int32_t> OpenColumns() {
-  std::vector<int32_t> open;
-  for (int32_t c = 0; c < 7; ++c) {
-    if (EngineBoardView()[c][6] == kEngineEmpty) open.push_back(c);
-  }
-  return open;
-}
-
-bool HasCompletingMove(int32_t p) {
-  bool completes = false;
-  for (int32_t c : OpenColumns()) {
-    PushPosition();
-    DropPiece(p, c);
-    completes = completes || EngineHasWon(p);
-    PopPosition();
-  }
-  return completes;
-}
-
 }  // namespace
 
 // The value of every column for player 0, searched with the widest bounds, and the column it
@@ -71,21 +50,16 @@ TEST_F(EngineTest, ValuesOfKnownPositions) {
     std::initializer_list<int32_t> depths;
     int32_t column, values[7];
   } cases[] = {
+      // clang-format off
       {"empty", {"......."}, {1}, -1, {6, 8, 10, 14, 14, 10, 8}},
-      {"middle piece", {"...O..."}, {1}, 3, {kBelow, kBelow, kBelow, 6, kBelow, kBelow, kBelow}},
-      {"middle piece", {"...O..."}, {2}, 3, {kBelow, kBelow, kBelow, -18, kBelow, kBelow, kBelow}},
-      {"three in a row",
-       {"XX.....", "OOO...."},
-       {2, 4, 6},
-       3,
+      {"three in a row", {"XX.....", "OOO...."}, {2, 4, 6}, 3,
        {kLoss, kLoss, kLoss, kAny, kLoss, kLoss, kLoss}},
       // Filling the board leaves the opponent without a column: worth more than any win.
-      {"last cell",
-       {"O.OXOXX", "XOXXOOX", "XOXOXXO", "OOXXOOX", "OXOOXOO", "XOOXOOX", "OXOOXXX"},
-       {2},
-       1,
-       {kAny, kEngineInfinity, kAny, kAny, kAny, kAny, kAny}},
+      {"last cell", {"O.OXOXX", "XOXXOOX", "XOXOXXO", "OOXXOOX", "OXOOXOO", "XOOXOOX", "OXOOXXX"},
+       {2}, 1, {kAny, kEngineInfinity, kAny, kAny, kAny, kAny, kAny}},
+      // clang-format on
   };
+
   for (const Case& c : cases) {
     for (int32_t depth : c.depths) {
       SetUp();
@@ -94,12 +68,8 @@ TEST_F(EngineTest, ValuesOfKnownPositions) {
       for (int32_t column = 0; column < 7; ++column) {
         const int32_t want = c.values[column];
         if (want == kAny) continue;
-        const int32_t v = MoveValue(0, column, depth);
-        if (want == kBelow) {
-          EXPECT_LT(v, c.values[c.column]) << c.name << " depth " << depth << " column " << column;
-        } else {
-          EXPECT_EQ(v, want) << c.name << " depth " << depth << " column " << column;
-        }
+        EXPECT_EQ(MoveValue(0, column, depth), want)
+            << c.name << " depth " << depth << " column " << column;
       }
       if (c.column >= 0) {
         EXPECT_EQ(ChooseAndPlay(0, depth).column, c.column) << c.name;
@@ -168,27 +138,39 @@ TEST_F(EngineTest, PrunedSearchAgreesWithPlainNegamax) {
   std::mt19937 random(4);
   int32_t checked = 0;
   for (int32_t trial = 0; trial < 120; ++trial) {
-    SetUp();
-    const int32_t moves = 2 + static_cast<int32_t>(random() % 24);
-    for (int32_t n = 0; n < moves; ++n) EnginePlay(n % 2, static_cast<int32_t>(random() % 7));
+    std::vector<int32_t> moves(2 + random() % 24);
+    for (int32_t& m : moves) m = static_cast<int32_t>(random() % 7);
+    const auto replay = [this, &moves] {
+      SetUp();
+      for (size_t n = 0; n < moves.size(); ++n) EnginePlay(n % 2, moves[n]);
+    };
+    replay();
     const int32_t p = trial % 2, depth = 1 + trial % 5;
-    const std::vector<int32_t> open = OpenColumns();
-    if (EngineHasWon(0) || EngineHasWon(1) || open.empty() || HasCompletingMove(p)) continue;
-    std::map<int32_t, int32_t> exact;
+    std::map<int32_t, int32_t> exact;  // by open column
+    bool completes = EngineHasWon(0) || EngineHasWon(1);
+    for (int32_t c = 0; c < 7; ++c) {
+      if (EngineBoardView()[c][6] != kEngineEmpty) continue;
+      PushPosition();
+      DropPiece(p, c);
+      completes = completes || EngineHasWon(p);  // played at once, without search
+      exact[c] = ExactValue(p, depth);
+      PopPosition();
+    }
+    if (completes || exact.empty()) continue;
     int32_t best = -kEngineInfinity;
-    for (int32_t c : open) best = std::max(best, exact[c] = MoveValue(p, c, depth, true));
+    for (const auto& [c, value] : exact) best = std::max(best, value);
     std::set<int32_t> bestColumns;
-    for (int32_t c : open) {
-      if (exact[c] == best) bestColumns.insert(c);
-      for (int32_t bound : open) {
+    for (const auto& [c, value] : exact) {
+      if (value == best) bestColumns.insert(c);
+      for (const auto& [bound, boundValue] : exact) {
         PushPosition();
         DropPiece(p, c);
-        const int32_t v = SearchValue(p, depth, -kEngineInfinity, -exact[bound]);
+        const int32_t v = SearchValue(p, depth, -kEngineInfinity, -boundValue);
         PopPosition();
-        if (exact[c] >= exact[bound]) {
-          EXPECT_EQ(v, exact[c]);
+        if (value >= boundValue) {
+          EXPECT_EQ(v, value);
         } else {
-          EXPECT_LT(v, exact[bound]);
+          EXPECT_LT(v, boundValue);
         }
       }
     }
@@ -206,7 +188,7 @@ TEST_F(EngineTest, PrunedSearchAgreesWithPlainNegamax) {
       after.cells[choice.column * 7 + choice.row] = kEngineEmpty;
       EXPECT_EQ(after.cells, before.cells);
       played.insert(choice.column);
-      RestoreBasePosition(before, pieces);
+      replay();
     }
     EXPECT_EQ(played, bestColumns) << "trial " << trial;
     ++checked;

@@ -43,38 +43,6 @@ TEST_F(EngineTest, FreshGameAndItsFirstPieces) {
   }
 }
 
-// Every line has 4 cells; 19 of them pass through column 7, which never receives a piece. The
-// families are numbered one after the other (the lowest index decides EngineLineEnds): lines at
-// the start and end of each family, by their first cell and direction.
-TEST_F(EngineTest, LineMapNumbersTheLinesFamilyByFamily) {
-  int32_t throughColumn7 = 0;
-  for (int32_t i = 0; i < Engine.LineCount; ++i) {
-    int32_t cells = 0, inColumn7 = 0;
-    for (int32_t c = 0; c < 8; ++c) {
-      for (int32_t r = 0; r < 7; ++r) {
-        cells += Engine.LineMap[c][r][i];
-        if (c == 7) inColumn7 += Engine.LineMap[c][r][i];
-      }
-    }
-    EXPECT_EQ(cells, 4) << "line " << i;
-    throughColumn7 += inColumn7 > 0;
-  }
-  EXPECT_EQ(throughColumn7, 19);
-  struct Case {
-    int32_t line;
-    Cell from;
-    int32_t dc, dr;
-  } cases[] = {{0, {0, 0}, 1, 0},   {34, {4, 6}, 1, 0},  {35, {0, 0}, 0, 1},
-               {66, {7, 3}, 0, 1},  {67, {0, 0}, 1, 1},  {86, {4, 3}, 1, 1},
-               {87, {7, 0}, -1, 1}, {88, {6, 0}, -1, 1}, {106, {3, 3}, -1, 1}};
-  for (const Case& c : cases) {
-    for (int32_t k = 0; k < 4; ++k) {
-      EXPECT_EQ(Engine.LineMap[c.from.column + k * c.dc][c.from.row + k * c.dr][c.line], 1)
-          << "line " << c.line << " cell " << k;
-    }
-  }
-}
-
 TEST_F(EngineTest, FirstCompletedLineDecidesTheWinnerForGood) {
   for (int32_t i = 0; i < 4; ++i) {
     EXPECT_FALSE(EngineHasWon(0));
@@ -113,6 +81,8 @@ TEST_F(EngineTest, LineEndsOfTheWinnersLowestNumberedLine) {
       {{"...X...", "..XO...", ".XOO...", "XOOO..."}, {0, 0}, {3, 3}},  // rising diagonal
       {{".....X.", ".....X.", ".....X.", "O...OX."}, {5, 0}, {5, 3}},  // vertical, bottom up
       {{"XXXXX.."}, {0, 0}, {3, 0}},                                   // two lines: the lower index
+      // One piece completes both diagonals: the rising family is numbered before the falling one.
+      {{"...X...", "..XOX..", ".XOOOX.", "XOOXOOX"}, {0, 0}, {3, 3}},
       // The vertical line is completed first, but the horizontal one has the lower index.
       {{"XXXX...", "XOOO...", "XOOO...", "XOOO..."}, {0, 3}, {3, 3}},
   };

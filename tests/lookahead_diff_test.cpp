@@ -11,6 +11,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "grid_picture.h"
 #include "ground/session.h"
@@ -69,24 +70,6 @@ int32_t Share(int32_t perMille) {
   return std::max(1, PositionsWanted() * perMille / 1000);
 }
 
-struct Outcome {
-  int32_t Chosen;
-  int32_t ColumnValue[kGridSide];
-  bool operator==(const Outcome& o) const {
-    return Chosen == o.Chosen && std::memcmp(ColumnValue, o.ColumnValue, sizeof ColumnValue) == 0;
-  }
-};
-
-// The lowest row of the column's pieces back to empty (the drop just made there).
-void TakeBack(int32_t c) {
-  for (int32_t r = 1; r < kGridSide; ++r) {
-    if (Grid[c][r] != 0) {
-      Grid[c][r] = 0;
-      return;
-    }
-  }
-}
-
 // A random position of a game in progress on a side of s for strategy ai. Pieces cluster
 // around a column (so lines and threats are near), some columns are stacked full, players
 // sometimes move twice (lopsided counts), and unless `legal` lines may stay on the board.
@@ -106,9 +89,10 @@ void RandomPosition(std::mt19937& g, int32_t s, int32_t ai, bool legal) {
       c = std::clamp(c, 1, s);
     }
     SessionState.CurrentPlayer = player;
+    std::memcpy(Turn.Snapshots[0], Grid, sizeof Grid);
     if (GridDrop(c) == 0) continue;
-    if (legal && GridFindWinner() != 0) {
-      TakeBack(c);
+    if (legal && GridFindWinner() != 0) {  // taken back
+      std::memcpy(Grid, Turn.Snapshots[0], sizeof Grid);
       continue;
     }
     last = c;
@@ -129,31 +113,23 @@ void RandomTurn(std::mt19937& g, int32_t s) {
   std::memcpy(Turn.Snapshots[0], Grid, sizeof Grid);
 }
 
-// Runs one look-ahead from the current reply state and puts that state back afterwards.
-Outcome Run(int32_t depth, bool reference) {
+// One look-ahead from the current reply state: the column chosen, then the ColumnValue entries
+// of columns 1..s. Puts the reply state back afterwards.
+std::vector<int32_t> Run(int32_t s, int32_t depth, bool reference) {
   int32_t saved[kGridSide];
   std::memcpy(saved, Turn.ColumnValue, sizeof saved);
-  Outcome out{};
-  out.Chosen = reference ? ReferenceLookAhead(depth) : LookAhead(depth);
-  std::memcpy(out.ColumnValue, Turn.ColumnValue, sizeof out.ColumnValue);
+  std::vector<int32_t> out{reference ? ReferenceLookAhead(depth) : LookAhead(depth)};
+  out.insert(out.end(), Turn.ColumnValue + 1, Turn.ColumnValue + s + 1);
   std::memcpy(Turn.ColumnValue, saved, sizeof saved);
   std::memcpy(Grid, Turn.Snapshots[0], sizeof Grid);
   return out;
-}
-
-std::string Describe(int32_t s, int32_t ai, int32_t depth) {
-  std::string text = "side " + std::to_string(s) + " strategy " + std::to_string(ai) + " depth " +
-                     std::to_string(depth) + "\n";
-  for (const std::string& row : GridRows()) text += row + "\n";
-  return text;
 }
 
 // The deepest look the reference affords on a side (at most ~20000 trials).
 int32_t ReferenceDepthFor(int32_t s, std::mt19937& g) {
   const int32_t depth = 2 * (1 + static_cast<int32_t>(g() % 3));
   if (s <= 5) return depth;
-  if (s <= 11) return std::min(depth, 4);
-  return 2;
+  return s <= 11 ? std::min(depth, 4) : 2;
 }
 
 // What the random positions covered: a line already reported at the root, a full column, a
@@ -161,17 +137,6 @@ int32_t ReferenceDepthFor(int32_t s, std::mt19937& g) {
 struct Coverage {
   int32_t Lined = 0, Full = 0, Scored = 0;
 };
-
-void Observe(int32_t s, const Outcome& reference, Coverage* covered) {
-  covered->Lined += GridFindWinner() != 0;
-  bool full = false, scored = reference.Chosen != Turn.ShuffledColumns[0];
-  for (int32_t c = 1; c <= s; ++c) {
-    full = full || Grid[c][1] != 0;
-    scored = scored || (reference.ColumnValue[c] < 0 && reference.ColumnValue[c] != kForbidden);
-  }
-  covered->Full += full;
-  covered->Scored += scored;
-}
 
 class LookAheadDiffTest : public CoreTest {};
 
@@ -187,11 +152,21 @@ Coverage Compare(int32_t positions, int32_t minSide, int32_t maxSide, int32_t de
     RandomPosition(g, s, ai, g() % 3 != 0);
     RandomTurn(g, s);
     const int32_t d = depth != 0 ? depth : ReferenceDepthFor(s, g);
-    const Outcome fast = Run(d, false), reference = Run(d, true);
-    Observe(s, reference, &covered);
+    const std::vector<int32_t> reference = Run(s, d, true), fast = Run(s, d, false);
+    bool full = false;
+    for (int32_t c = 1; c <= s; ++c) full = full || Grid[c][1] != 0;
+    covered.Full += full;
+    covered.Lined += GridFindWinner() != 0;
+    covered.Scored += reference[0] != Turn.ShuffledColumns[0] ||
+                      std::any_of(reference.begin() + 1, reference.end(),
+                                  [](int32_t v) { return v < 0 && v != kForbidden; });
     if (fast == reference) continue;
     ++mismatches;
-    ADD_FAILURE() << Describe(s, ai, d);
+    std::string board;
+    for (const std::string& row : GridRows()) board += row + "\n";
+    EXPECT_EQ(fast, reference) << "side " << s << " strategy " << ai << " depth " << d
+                               << ", the column chosen, then the column values\n"
+                               << board;
   }
   return covered;
 }
