@@ -75,13 +75,13 @@ TEST_F(PlayTurnTest, ReplyOnKnownPositions) {
   });
 }
 
-TEST_F(PlayTurnTest, PlainLookAheadKeepsTheLowestNegativeScores) {
+TEST_F(PlayTurnTest, LookAheadKeepsTheLowestNegativeScores) {
   // Three open human pieces: two winning answers after any computer move but the blocks.
   SetGrid("......./......./......./......./......./......./.111...");
   RunNeededFor(0, RunNeeded);
   for (int32_t k = 0; k < 7; ++k) Turn.ShuffledColumns[k] = k + 1;
   std::memcpy(Turn.Snapshots[0], Grid, sizeof Grid);
-  EXPECT_EQ(PlainLookAhead(2), 1);  // the first of the best in shuffled order
+  EXPECT_EQ(LookAhead(2), 1);  // the first of the best in shuffled order
   // Columns 1 and 5 block one end; the human still completes at the other: -8 = -W2 each.
   // Every other column leaves both ends open: -16.
   const int32_t expected[] = {0, -8, -16, -16, -16, -8, -16, -16};
