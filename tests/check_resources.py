@@ -80,7 +80,7 @@ FVIRTKEY, FNOINVERT, FSHIFT, FCONTROL, FALT = 0x01, 0x02, 0x04, 0x08, 0x10
 STRINGS = {103: "Kalvero 4", 109: "Tovrelia", 110: "C:\\"}
 
 # Group icon: the square sizes it must hold, all 32 bits per pixel.
-ICONS = {107: {16, 32, 48}, 108: {16}, 109: {16}}
+ICONS = {107: {16, 32}, 108: {16}, 109: {16}}
 
 # Dialog templates: style, caption, font, rectangle, and the controls in template order as
 # (id, class, text, style, (x, y, w, h), extended style). Control styles are given without
