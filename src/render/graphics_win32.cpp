@@ -4,6 +4,7 @@
 #include "ground/savefile.h"
 #include "ground/session.h"
 #include "opponents/new_game.h"
+#include "render/bitmap_table.h"
 #include "render/board_plan.h"
 #include "render/viewport.h"
 #include "resources/resource.h"
@@ -11,6 +12,10 @@
 GraphicsRecord Graphics;
 
 namespace {
+
+// The memory surfaces holding the loaded pictures, by slot of the BitmapTable. Like every
+// graphic object they live until the process ends.
+HDC LoadedSurfaces[kBitmapSlots] = {};
 
 // A memory surface of the buffers' size, compatible with the window's.
 HDC CreateBufferSurface(HDC paint) {
@@ -72,10 +77,18 @@ void DrawResourceBitmap(HDC target, int32_t resource, int32_t x, int32_t y, int3
                         int32_t height, DWORD rop) {
   // A size of 0 would make the loader take the stored size; an empty area draws nothing.
   if (target == nullptr || width <= 0 || height <= 0) return;
-  HDC source = LoadBitmapSurface(target, resource, width, height);
-  if (source == nullptr) return;
-  BitBlt(target, x, y, width, height, source, 0, 0, rop);
-  ReleaseBitmapSurface(source);
+  const BitmapSlot slot = FindBitmapSlot(resource, width, height);
+  if (slot.Index < 0) {
+    HDC source = LoadBitmapSurface(target, resource, width, height);
+    if (source == nullptr) return;
+    BitBlt(target, x, y, width, height, source, 0, 0, rop);
+    ReleaseBitmapSurface(source);
+    return;
+  }
+  HDC& source = LoadedSurfaces[slot.Index];
+  // A missing resource stays missing: its slot keeps no surface and draws nothing.
+  if (slot.Fresh) source = LoadBitmapSurface(target, resource, width, height);
+  if (source != nullptr) BitBlt(target, x, y, width, height, source, 0, 0, rop);
 }
 
 void FirstPaintSetup(HDC paint) {
