@@ -29,3 +29,11 @@ add_executable(kalvero4-probe ${PROJECT_SOURCE_DIR}/tests/e2e/probe_win32.cpp)
 target_link_libraries(kalvero4-probe PRIVATE user32)
 target_link_options(kalvero4-probe PRIVATE -static -static-libgcc -static-libstdc++)
 kalvero_warnings(kalvero4-probe)
+
+# Times repaints of the game's window from another program (bench/README.md). Built only when
+# asked for: cmake --build --preset windows64 --target kalvero4-repaint-probe
+add_executable(kalvero4-repaint-probe EXCLUDE_FROM_ALL
+  ${PROJECT_SOURCE_DIR}/bench/repaint_probe_win32.cpp)
+target_link_libraries(kalvero4-repaint-probe PRIVATE user32)
+target_link_options(kalvero4-repaint-probe PRIVATE -static -static-libgcc -static-libstdc++)
+kalvero_warnings(kalvero4-repaint-probe)
