@@ -3,6 +3,10 @@
 if(KALVERO_WIN32_SOURCES AND EXISTS ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc)
   enable_language(RC)
   set(KALVERO_RC ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc)
+  # The build does not see the files the script includes: a redrawn picture must still compile
+  # the script again.
+  file(GLOB KALVERO_PICTURES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/resources/pictures/*)
+  set_source_files_properties(${KALVERO_RC} PROPERTIES OBJECT_DEPENDS "${KALVERO_PICTURES}")
 
   # The version resource takes the project's version from here; the numbers that the script
   # keeps for compiles outside the build must not drift from it.
