@@ -1,21 +1,17 @@
-"""Kalvero 4 under Wine on a virtual X display, used as a person would.
+"""Kalvero 4 under Wine on a virtual X display, used as a person would. `Desktop`: one display
+(Xvfb) and one throw-away Wine prefix per run; the game runs in a Wine virtual desktop that
+fills the display, with frames and captions drawn as on Windows. `Game`: one start of the
+program in a fresh folder; the probe (a Win32 program) describes its windows, xdotool sends
+keys and clicks, Pillow takes pictures. Every wait is bounded.
 
-`Desktop`: one X display (Xvfb) and one throw-away Wine prefix for the run. The game runs in a
-Wine virtual desktop that fills the display: Wine draws frames and captions as Windows does,
-and desktop coordinates are screen coordinates. `Game`: one start of the program in a fresh
-folder. The probe (a small Win32 program) describes the desktop's windows as JSON, xdotool
-sends keys and clicks, Pillow takes pictures. Every wait is bounded.
-
-Board pictures are in logical pixels, those the game draws before stretching them onto the
-window: cell (x, y), x the column from the left and y the row from the top, spans (30x, 30y)
-to (30x + 30, 30y + 30); the sprite of its piece lies at (30x + 6, 30y + 6), 20 x 20.
-"""
+Board pictures are in the game's logical pixels: cell (x, y), x the column from the left and
+y the row from the top, spans (30x, 30y) to (30x + 30, 30y + 30); its sprite lies at
+(30x + 6, 30y + 6), 20 x 20."""
 
 import json
 import os
 import select
 import shutil
-import signal
 import struct
 import subprocess
 import time
@@ -35,8 +31,8 @@ PIECES = {"green": (0, 255, 0), "red": (255, 0, 0), "blue": (0, 0, 255), "yellow
           "orange": (255, 128, 0), "silver": (192, 192, 192)}  # sprites and letters
 
 
-class EnvironmentFailure(Exception):
-    """Xvfb, Wine or a tool could not do its part: the suite cannot judge the game."""
+class EnvironmentFailure(Exception):  # Xvfb, Wine or a tool failed: nothing can be judged
+    pass
 
 
 def near(colour, target, tolerance=40) -> bool:
@@ -175,7 +171,7 @@ class Desktop:
 
 class Game:
     def __init__(self, desktop: Desktop, folder, shots):
-        self.desktop, self.folder, self.shots = desktop, folder, shots
+        self.desktop, self.folder, self.shots, self.taken = desktop, folder, shots, 0
         self.logical, self.square, self.process = None, True, None
         self.status, self.work = folder / "exit-status", folder / "work"
         self.work.mkdir()
@@ -193,8 +189,7 @@ class Game:
             self.process = subprocess.Popen(
                 [*d.wine, "explorer", "/desktop=%s,%dx%d" % (DESKTOP, *SIZE),
                  windows_path(d.probe), "--run", windows_path(self.status), windows_path(d.exe)],
-                cwd=self.work, env=d.env, stdout=log, stderr=log, stdin=subprocess.DEVNULL,
-                start_new_session=True)
+                cwd=self.work, env=d.env, stdout=log, stderr=log, stdin=subprocess.DEVNULL)
 
         def home():
             assert not self.status.exists(), f"the program ended at start: {self.exit_status()}"
@@ -219,11 +214,13 @@ class Game:
         return self.start(save) and self.confirm(one_player)
 
     def end(self) -> None:
-        """Ends the program, its dialogs and its desktop: the explorer's process group. Wine's
-        services stay for the next start."""
-        if self.process is not None:
-            os.killpg(self.process.pid, signal.SIGKILL)
-            self.process.wait(15)
+        """Ends the program, should it still run. Its desktop closes by itself once empty, or
+        takes the next start in; Wine's own programs stay for it."""
+        if self.process is not None and not self.status.exists():
+            self.shot()
+            subprocess.run([*self.desktop.wine, "taskkill", "/f", "/im", self.desktop.exe.name],
+                           env=self.desktop.env, timeout=30, capture_output=True)
+            self.exit_status()
 
     def exit_status(self) -> int:
         status = self.status
@@ -273,11 +270,12 @@ class Game:
         window = self.main()
         return wait(what, lambda: (b := self.board(window)) and condition(b) and b, timeout)
 
-    def shot(self, label) -> None:
-        """Keeps a picture of the screen, when pictures are asked for."""
+    def shot(self) -> None:
+        """Keeps a picture of the screen as it is before each key and click, when asked to."""
         if self.shots:
             self.shots.mkdir(parents=True, exist_ok=True)
-            self.screen().save(self.shots / f"{label}.png")
+            self.taken += 1
+            self.screen().save(self.shots / f"{self.taken:03d}.png")
 
     def menu_marks(self, letter, entries) -> list[bool]:
         """Opens a menu by Alt and its letter and reads which of its `entries` entries carry a
@@ -307,6 +305,7 @@ class Game:
     def click(self, x, y) -> None:
         self.point(x, y)
         time.sleep(0.1)
+        self.shot()
         self.xdotool("click", "1")
 
     def click_control(self, window: Window, control_id) -> None:
@@ -329,6 +328,7 @@ class Game:
     def key(self, *keys: str) -> None:
         """Presses keys one after another, by xdotool's names: "Return", "3", "alt+g"."""
         for k in keys:
+            self.shot()
             self.xdotool("key", "--clearmodifiers", k)
             time.sleep(0.12)
 
