@@ -1,8 +1,6 @@
-// The computer's look-ahead, plain and fast side by side on the same fixed positions: early,
-// middle and late games (the late ones with full columns) on the 12 x 12 and 19 x 19 boards.
-// Each benchmark reports the median and maximum time of one reply over its positions. On 19 x
-// 19 with Challenge the plain version would take about a minute per reply, so its time there is
-// its measured cost per trial (at Dur, 4 plies) times the trials it would make (counted).
+// The computer's look-ahead with Challenge (6 plies) on fixed positions: early, middle and late
+// games (the late ones with full columns) on the 12 x 12 and 19 x 19 boards. Each benchmark
+// reports the median and maximum time of one reply over its positions.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -11,11 +9,10 @@
 #include <ctime>
 #include <vector>
 
-#include "opponents/fast_lookahead.h"
+#include "ground/session.h"
+#include "opponents/lookahead.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
-#include "opponents/turn.h"
-#include "shell/session.h"
 
 namespace {
 
@@ -90,31 +87,17 @@ double ThreadMs() {
   return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_nsec) * 1e-6;
 }
 
-// One reply's time in milliseconds.
-double TimeReply(bool plain, int32_t depth) {
-  const double start = ThreadMs();
-  benchmark::DoNotOptimize(plain ? PlainLookAhead(depth) : FastLookAhead(depth));
-  return ThreadMs() - start;
-}
-
-// The fast reply's time on a position: the best of three runs, so that another process's
-// interruptions (the machine is shared) do not count as the reply's own time.
-double TimeFastReply(const BenchPosition& p, int32_t ai, int32_t depth) {
+// A reply's time on a position in milliseconds: the best of three runs, so that another
+// process's interruptions (the machine is shared) do not count as the reply's own time.
+double TimeReply(const BenchPosition& p, int32_t ai, int32_t depth) {
   double best = 1e9;
   for (int32_t run = 0; run < 3; ++run) {
     Prepare(p, ai);
-    best = std::min(best, TimeReply(false, depth));
+    const double start = ThreadMs();
+    benchmark::DoNotOptimize(LookAhead(depth));
+    best = std::min(best, ThreadMs() - start);
   }
   return best;
-}
-
-// The trials the plain version makes on a prepared position (the fast one counts them when
-// it shares nothing).
-int64_t PlainTrials(int32_t depth) {
-  FastSettings.Transpositions = false;
-  FastLookAhead(depth);
-  FastSettings.Transpositions = true;
-  return FastTrials;
 }
 
 double Median(std::vector<double> v) {
@@ -140,99 +123,32 @@ void Report(benchmark::State& state, const std::vector<double>& ms) {
   state.counters["replies"] = static_cast<double>(ms.size());
 }
 
-// Plain results carried to the fast benchmarks of the same run, for the ratios.
-double PlainMs12[kRosterSize];      // by strategy: total over the 12 x 12 positions
-double PlainNsPerTrial19;           // measured at 19 x 19, 4 plies
-constexpr int32_t kPerStage12 = 1;  // 3 positions: plain takes seconds each
+constexpr int32_t kPerStage12 = 1;  // 3 positions
 constexpr int32_t kPerStage19 = 8;  // 24 positions
-const int32_t kStrategies19[] = {0, 2, 3, 11, 12};
+const int32_t kStrategies[] = {0, 2, 3, 11, 12};
 
-void BM_Plain12x12Challenge(benchmark::State& state) {
+// Replies on the positions of one side for the strategy of the benchmark's argument.
+void BM_Challenge(benchmark::State& state, int32_t side, int32_t perStage) {
   const int32_t ai = static_cast<int32_t>(state.range(0));
-  const auto positions = Positions(12, kPerStage12);
+  const auto positions = Positions(side, perStage);
   std::vector<double> ms;
   for (auto _ : state) {
-    for (const BenchPosition& p : positions) {
-      Prepare(p, ai);
-      ms.push_back(TimeReply(true, 6));
-    }
-  }
-  double total = 0;
-  for (double t : ms) total += t;
-  PlainMs12[ai] = total / static_cast<double>(state.iterations());
-  Report(state, ms);
-}
-
-void BM_Fast12x12Challenge(benchmark::State& state) {
-  const int32_t ai = static_cast<int32_t>(state.range(0));
-  const auto positions = Positions(12, kPerStage12);
-  std::vector<double> ms;
-  double total = 0;
-  for (auto _ : state) {
-    for (const BenchPosition& p : positions) {
-      ms.push_back(TimeFastReply(p, ai, 6));
-      total += ms.back();
-    }
+    for (const BenchPosition& p : positions) ms.push_back(TimeReply(p, ai, 6));
   }
   Report(state, ms);
-  if (PlainMs12[ai] > 0) {
-    state.counters["ratio"] = PlainMs12[ai] / (total / static_cast<double>(state.iterations()));
-  }
-}
-
-// The plain version's cost per trial on the 19 x 19 positions, at 4 plies.
-void BM_PlainTrialCost19x19(benchmark::State& state) {
-  const auto positions = Positions(19, kPerStage19);
-  double ms = 0;
-  int64_t trials = 0;
-  for (auto _ : state) {
-    for (const BenchPosition& p : positions) {
-      Prepare(p, 0);
-      trials += PlainTrials(4);
-      Prepare(p, 0);
-      ms += TimeReply(true, 4);
-    }
-  }
-  PlainNsPerTrial19 = ms * 1e6 / static_cast<double>(trials);
-  state.counters["ns_per_trial"] = PlainNsPerTrial19;
-  state.counters["trials"] = static_cast<double>(trials);
-}
-
-void BM_Fast19x19Challenge(benchmark::State& state) {
-  const int32_t ai = static_cast<int32_t>(state.range(0));
-  const auto positions = Positions(19, kPerStage19);
-  std::vector<int64_t> trials;
-  for (const BenchPosition& p : positions) {
-    Prepare(p, ai);
-    trials.push_back(PlainTrials(6));
-  }
-  std::vector<double> ms;
-  double plainMs = 0, fastMs = 0;
-  for (auto _ : state) {
-    for (size_t k = 0; k < positions.size(); ++k) {
-      ms.push_back(TimeFastReply(positions[k], ai, 6));
-      fastMs += ms.back();
-      plainMs += PlainNsPerTrial19 * static_cast<double>(trials[k]) * 1e-6;
-    }
-  }
-  Report(state, ms);
-  double allTrials = 0;
-  for (int64_t t : trials) allTrials += static_cast<double>(t);
-  state.counters["plain_trials_per_reply"] = allTrials / static_cast<double>(trials.size());
   state.counters["with_full_columns"] = WithFullColumns(positions);
-  if (PlainNsPerTrial19 > 0) {
-    state.counters["plain_est_ms"] = plainMs / static_cast<double>(ms.size());
-    state.counters["ratio"] = plainMs / fastMs;
-  }
 }
 
-void Strategies19(benchmark::internal::Benchmark* b) {
-  for (int32_t ai : kStrategies19) b->Arg(ai);
+void Strategies(benchmark::internal::Benchmark* b) {
+  for (int32_t ai : kStrategies) b->Arg(ai);
 }
 
-BENCHMARK(BM_Plain12x12Challenge)->Arg(0)->Arg(3)->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Fast12x12Challenge)->Arg(0)->Arg(3)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_PlainTrialCost19x19)->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_Fast19x19Challenge)->Apply(Strategies19)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Challenge, 12x12, 12, kPerStage12)
+    ->Arg(0)
+    ->Arg(3)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Challenge, 19x19, 19, kPerStage19)
+    ->Apply(Strategies)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -1,48 +1,38 @@
 // What a frame shows and where: board geometry, marked cells, the pieces of each player and
 // character, the upside-down board, the engine's board, portrait, status and title.
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <iterator>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "engine/engine.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "render/board_plan.h"
 #include "render/frame_logic.h"
 #include "resources/resource.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 #include "test_support.h"
 
 namespace {
 
-class BoardPlanTest : public CoreTest {
- protected:
-  void TearDown() override { EndEngineGame(); }
+using BoardPlanTest = CoreTest;
 
-  static std::vector<DrawOp> OfKind(const DrawList& list, DrawKind kind) {
-    std::vector<DrawOp> out;
-    std::copy_if(list.begin(), list.end(), std::back_inserter(out),
-                 [kind](const DrawOp& op) { return op.Kind == kind; });
-    return out;
-  }
+std::vector<DrawOp> OfKind(const DrawList& list, DrawKind kind) {
+  std::vector<DrawOp> out;
+  std::copy_if(list.begin(), list.end(), std::back_inserter(out),
+               [kind](const DrawOp& op) { return op.Kind == kind; });
+  return out;
+}
 
-  static const DrawOp* TextOp(const DrawList& list, const std::string& text) {
-    for (const DrawOp& op : list) {
-      if (op.Kind == DrawKind::Text && op.Text == text) return &op;
-    }
-    return nullptr;
-  }
+DrawList GridFrame() {
+  ComposeFrameLogic();
+  return PlanGridBoard();
+}
 
-  static DrawList GridFrame() {
-    ComposeFrameLogic();
-    return PlanGridBoard();
-  }
-};
-
-// What one cell shows, in a form that tests compare easily: the brush, then the sprite
-// resource or the letter, or nothing.
+// What one cell shows: its brush, then its sprite (-1 for one not drawn right over its mask)
+// or its letter, or nothing.
 struct CellLook {
   CellBrush Brush = CellBrush::None;
   int32_t Sprite = 0;
@@ -50,171 +40,141 @@ struct CellLook {
   bool operator==(const CellLook&) const = default;
 };
 
+CellLook Disc(int32_t sprite) {
+  return {CellBrush::None, sprite, ""};
+}
+
 CellLook LookAt(const DrawList& list, int32_t x, int32_t y) {
   CellLook look;
-  for (const DrawOp& op : list) {
-    if (op.Kind == DrawKind::FillCell && op.Rect.X == 30 * x + 1 && op.Rect.Y == 30 * y + 1) {
+  const PixelRect sprite{30 * x + 6, 30 * y + 6, 20, 20};
+  for (size_t i = 0; i < list.size(); ++i) {
+    const DrawOp& op = list[i];
+    if (op.Kind == DrawKind::FillCell && op.Rect == PixelRect{30 * x + 1, 30 * y + 1, 29, 29}) {
       look.Brush = op.Brush;
     }
-    if (op.Kind == DrawKind::Bitmap && op.Raster == RasterOp::Or && op.Rect.X == 30 * x + 6 &&
-        op.Rect.Y == 30 * y + 6) {
-      look.Sprite = op.Resource;
+    if (op.Kind == DrawKind::Bitmap && op.Raster == RasterOp::Or && op.Rect == sprite) {
+      const bool masked = i > 0 && list[i - 1].Kind == DrawKind::Bitmap &&
+                          list[i - 1].Resource == IDB_DISC_MASK &&
+                          list[i - 1].Raster == RasterOp::And && list[i - 1].Rect == sprite;
+      look.Sprite = masked ? op.Resource : -1;
     }
-    if (op.Kind == DrawKind::Text && op.At.X == 30 * x + 11 && op.At.Y == 30 * y + 7) {
+    if (op.Kind == DrawKind::Text && op.At == PixelPoint{30 * x + 11, 30 * y + 7}) {
       look.Letter = op.Text;
     }
   }
   return look;
 }
 
-TEST_F(BoardPlanTest, SevenCellBoardGeometry) {
-  SessionState.Challenge = 1;
-  const DrawList frame = GridFrame();
-  const std::vector<DrawOp> lines = OfKind(frame, DrawKind::Line);
-  ASSERT_EQ(lines.size(), 16u);  // 8 each way
-  for (int32_t k = 1; k <= 8; ++k) {
-    EXPECT_EQ(lines[2 * k - 2].From, (PixelPoint{30, 30 * k}));
-    EXPECT_EQ(lines[2 * k - 2].To, (PixelPoint{240, 30 * k}));
-    EXPECT_EQ(lines[2 * k - 1].From, (PixelPoint{30 * k, 30}));
-    EXPECT_EQ(lines[2 * k - 1].To, (PixelPoint{30 * k, 240}));
-  }
-  struct Text {
-    const char* text;
-    PixelPoint at;
-    uint32_t colour;
-  };
-  for (const Text& t :
-       {Text{"Challenge", {231, 248}, Rgb(255, 0, 0)}, Text{"Facile", {0, 248}, Rgb(255, 128, 0)},
-        Text{"Kalvero 4 v5.5 - Joueur 1", {60, 0}, Rgb(255, 192, 0)}}) {
-    const DrawOp* op = TextOp(frame, t.text);
-    ASSERT_NE(op, nullptr) << t.text;
-    EXPECT_EQ(op->At, t.at) << t.text;
-    EXPECT_EQ(op->Colour, t.colour) << t.text;
-  }
-  const DrawOp portrait = OfKind(frame, DrawKind::Bitmap).back();
-  EXPECT_EQ(portrait.Resource, 30000);
-  EXPECT_EQ(portrait.Rect, (PixelRect{250, 120, 31, 30}));
-  EXPECT_EQ(portrait.Raster, RasterOp::Copy);
-}
-
-TEST_F(BoardPlanTest, BackgroundIsLaidBeforeAnythingElse) {
-  SessionState.LogicalWidth = 293;
-  SessionState.LogicalHeight = 254;
-  const DrawList frame = GridFrame();
-  ASSERT_GE(frame.size(), 3u);
-  const DrawKind kinds[] = {DrawKind::FillBlack, DrawKind::CopyBackground, DrawKind::FillBlack};
-  const PixelRect rects[] = {{0, 0, 293, 254}, {0, 0, 293, 254}, {0, 0, 293, 1}};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(frame[i].Kind, kinds[i]) << i;
-    EXPECT_EQ(frame[i].Rect, rects[i]) << i;
-  }
-  EXPECT_EQ(TextOp(frame, "Challenge"), nullptr);
-}
-
-TEST_F(BoardPlanTest, TitleAndPortraitFollowTheBoardSize) {
-  struct Case {
-    int32_t boardSize, characterId, titleX;
-    PixelRect portrait;
-  };
+TEST_F(BoardPlanTest, FrameFromBackgroundToTitleFollowsTheBoardSize) {
+  // Challenge: where "Challenge" is drawn; the status line starts at x 0 on the same line.
   // clang-format off
-  const Case cases[] = {{5, 0, 0, {160, 75, 31, 30}}, {6, 10, 36, {190, 90, 23, 68}},
-                        {11, 4, 96, {340, 165, 19, 39}}, {20, 13, 204, {610, 300, 32, 32}}};
+  struct Row { const char* Name; int32_t BoardSize, CharacterId, TitleX; PixelPoint Challenge;
+               PixelRect Portrait; };
+  const Row rows[] = {{"FiveKeepsTheTitleLeft", 5, 0, 0, {141, 158}, {160, 75, 31, 30}},
+                      {"SixShiftsIt", 6, 10, 36, {171, 188}, {190, 90, 23, 68}},
+                      {"Seven", 8, 0, 60, {231, 248}, {250, 120, 31, 30}},
+                      {"Largest", 20, 13, 204, {591, 608}, {610, 300, 32, 32}}};
   // clang-format on
-  for (const Case& c : cases) {
-    SessionState.BoardSize = c.boardSize;
-    SessionState.CharacterId = c.characterId;
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.BoardSize = row.BoardSize;
+    SessionState.CharacterId = row.CharacterId;
+    SessionState.Challenge = 1;
+    SessionState.LogicalWidth = 293;
+    SessionState.LogicalHeight = 254;
     const DrawList frame = GridFrame();
-    EXPECT_EQ(OfKind(frame, DrawKind::Line).size(), 2u * c.boardSize);
-    const DrawOp& title = frame.back();
-    EXPECT_EQ(title.At, (PixelPoint{c.titleX, 0})) << c.boardSize;
+    // The background first: black, the background picture, then the top pixel row black again.
+    ASSERT_GE(frame.size(), 3u);
+    const DrawKind kinds[] = {DrawKind::FillBlack, DrawKind::CopyBackground, DrawKind::FillBlack};
+    const PixelRect rects[] = {{0, 0, 293, 254}, {0, 0, 293, 254}, {0, 0, 293, 1}};
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(frame[i].Kind, kinds[i]) << i;
+      EXPECT_EQ(frame[i].Rect, rects[i]) << i;
+    }
+    const int32_t n = row.BoardSize;
+    const std::vector<DrawOp> lines = OfKind(frame, DrawKind::Line);
+    ASSERT_EQ(lines.size(), 2u * n);  // n each way, framing the cells
+    for (int32_t k = 1; k <= n; ++k) {
+      EXPECT_EQ(lines[2 * k - 2].From, (PixelPoint{30, 30 * k}));
+      EXPECT_EQ(lines[2 * k - 2].To, (PixelPoint{30 * n, 30 * k}));
+      EXPECT_EQ(lines[2 * k - 1].From, (PixelPoint{30 * k, 30}));
+      EXPECT_EQ(lines[2 * k - 1].To, (PixelPoint{30 * k, 30 * n}));
+    }
+    using Text = std::tuple<std::string, PixelPoint, uint32_t>;
+    std::vector<Text> texts;
+    for (const DrawOp& op : OfKind(frame, DrawKind::Text))
+      texts.emplace_back(op.Text, op.At, op.Colour);
+    EXPECT_EQ(texts, (std::vector<Text>{
+                         {"Challenge", row.Challenge, Rgb(255, 0, 0)},
+                         {"Facile", {0, row.Challenge.Y}, Rgb(255, 128, 0)},
+                         {"Kalvero 4 v5.5 - Joueur 1", {row.TitleX, 0}, Rgb(255, 192, 0)}}));
     const DrawOp portrait = OfKind(frame, DrawKind::Bitmap).back();
-    EXPECT_EQ(portrait.Resource, 30000 + c.characterId);
-    EXPECT_EQ(portrait.Rect, c.portrait) << c.boardSize;
-  }
+    EXPECT_EQ(portrait.Resource, 30000 + row.CharacterId);
+    EXPECT_EQ(portrait.Rect, row.Portrait);
+    EXPECT_EQ(portrait.Raster, RasterOp::Copy);
+  });
 }
 
-TEST_F(BoardPlanTest, MarkedCellsGetTheirBrushAndAtMostOnePiece) {
-  struct Case {
-    uint8_t value;
-    CellLook look;
-  };
+TEST_F(BoardPlanTest, GridCellsByValueAndStrategy) {
+  // A value in grid column 3, row 5, and the screen row that shows it: upside down with
+  // strategy 13, so that the row a piece reaches first is on top.
   const CellLook marked{CellBrush::LightGreen, 0, ""};
   // clang-format off
-  const Case cases[] = {
-    {0, {}}, {1, {CellBrush::None, IDB_DISC_GREEN, ""}}, {2, {CellBrush::None, IDB_DISC_RED, ""}},
-    {3, {}}, {15, {}}, {16, marked}, {17, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
-    {18, {CellBrush::Gold, IDB_DISC_RED, ""}}, {19, marked}, {33, marked}, {48, marked}, {49, {}},
+  struct Row { const char* Name; int32_t Ai; uint8_t Value; int32_t ScreenRow; CellLook Look; };
+  const Row rows[] = {
+    {"Empty", 0, 0, 5, {}}, {"Piece1", 0, 1, 5, Disc(IDB_DISC_GREEN)},
+    {"Piece2", 0, 2, 5, Disc(IDB_DISC_RED)}, {"Unknown", 0, 3, 5, {}},
+    {"MarkedEmpty", 0, 16, 5, marked}, {"MarkedPiece1", 0, 17, 5, {CellBrush::SkyBlue, IDB_DISC_GREEN, ""}},
+    {"MarkedPiece2", 0, 18, 5, {CellBrush::Gold, IDB_DISC_RED, ""}}, {"MarkedTwice", 0, 33, 5, marked},
+    {"HighestMarked", 0, 48, 5, marked}, {"BeyondTheMarks", 0, 49, 5, {}},
+    {"UpsideDown", 13, 1, 3, Disc(IDB_DISC_GREEN)},
+    {"UpsideDownMarked", 13, 18, 3, {CellBrush::Gold, IDB_DISC_RED, ""}},
+    {"OtherStrategiesUpright", 12, 1, 5, Disc(IDB_DISC_GREEN)},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    Grid[3][5] = c.value;
-    EXPECT_EQ(LookAt(GridFrame(), 3, 5), c.look) << int(c.value);
-  }
-}
-
-TEST_F(BoardPlanTest, SpriteIsDrawnOverItsMask) {
-  Grid[2][7] = 1;
-  const std::vector<DrawOp> bitmaps = OfKind(GridFrame(), DrawKind::Bitmap);
-  ASSERT_EQ(bitmaps.size(), 3u);  // mask, sprite, portrait
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(bitmaps[i].Resource, i == 0 ? IDB_DISC_MASK : IDB_DISC_GREEN);
-    EXPECT_EQ(bitmaps[i].Raster, i == 0 ? RasterOp::And : RasterOp::Or);
-    EXPECT_EQ(bitmaps[i].Rect, (PixelRect{66, 216, 20, 20}));
-  }
-}
-
-TEST_F(BoardPlanTest, UpsideDownBoardShowsTheLowestRowOnTop) {
-  Grid[4][7] = 1;  // the row a piece reaches first
-  Grid[4][1] = 2;
-  SessionState.AiNumber = 13;
-  SessionState.CharacterId = 13;
-  const DrawList frame = GridFrame();
-  EXPECT_EQ(LookAt(frame, 4, 1).Sprite, IDB_DISC_GREEN);
-  EXPECT_EQ(LookAt(frame, 4, 7).Sprite, IDB_DISC_YELLOW);
-  SessionState.AiNumber = 12;  // any other strategy: as stored
-  const DrawList upright = GridFrame();
-  EXPECT_EQ(LookAt(upright, 4, 7).Sprite, IDB_DISC_GREEN);
-  EXPECT_EQ(LookAt(upright, 4, 1).Sprite, IDB_DISC_YELLOW);
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.AiNumber = row.Ai;
+    Grid[3][5] = row.Value;
+    EXPECT_EQ(LookAt(GridFrame(), 3, row.ScreenRow), row.Look);
+  });
 }
 
 TEST_F(BoardPlanTest, PieceByPlayerCharacterStrategyAndOptions) {
-  struct Case {
-    int32_t player, characterId, aiNumber, showImages, customColours;
-    CellLook look;
-  };
-  const auto disc = [](int32_t sprite) { return CellLook{CellBrush::None, sprite, ""}; };
   const auto letter = [](const char* text) { return CellLook{CellBrush::None, 0, text}; };
-  const CellLook none{};
-  // The human: red for the character 12, else green, or the letter X. The computer's letters
-  // are hidden by strategy 12, whoever is shown. Red for characters 0 and 4 or without own
-  // colours; the characters' colours otherwise. Any other player value draws nothing.
+  // The human's red sprite and the computer's colour follow the character shown; the hiding of
+  // the computer's letters follows the strategy number.
   // clang-format off
-  const Case cases[] = {
-    {1, 12, 0, 0, 0, disc(IDB_DISC_RED)}, {1, 0, 0, 1, 1, disc(IDB_DISC_GREEN)},
-    {1, 5, 12, 0, 1, letter("X")}, {2, 3, 12, 0, 1, none}, {2, 12, 0, 0, 1, letter("O")},
-    {2, 6, 0, 1, 0, disc(IDB_DISC_RED)}, {2, 0, 0, 1, 1, disc(IDB_DISC_RED)},
-    {2, 4, 0, 1, 1, disc(IDB_DISC_RED)}, {2, 1, 0, 1, 1, disc(IDB_DISC_BLUE)},
-    {2, 7, 0, 1, 1, disc(IDB_DISC_BLUE)}, {2, 12, 0, 1, 1, disc(IDB_DISC_BLUE)},
-    {2, 2, 0, 1, 1, disc(IDB_DISC_ORANGE)}, {2, 9, 0, 1, 1, disc(IDB_DISC_ORANGE)},
-    {2, 3, 0, 1, 1, disc(IDB_DISC_SILVER)}, {2, 11, 0, 1, 1, disc(IDB_DISC_SILVER)},
-    {2, 5, 0, 1, 1, disc(IDB_DISC_YELLOW)}, {2, 13, 0, 1, 1, disc(IDB_DISC_YELLOW)},
-    {2, 6, 0, 1, 1, disc(IDB_DISC_MAGENTA)}, {2, 8, 0, 1, 1, disc(IDB_DISC_CYAN)},
-    {2, 10, 0, 1, 1, disc(IDB_DISC_VIOLET)}, {0, 1, 0, 1, 1, none}, {3, 1, 0, 1, 1, none},
+  struct Row { const char* Name; int32_t Player, CharacterId, AiNumber, ShowImages, CustomColours;
+               CellLook Look; };
+  const Row rows[] = {
+    {"HumanOfCharacter12IsRedEvenWithoutImages", 1, 12, 0, 0, 0, Disc(IDB_DISC_RED)},
+    {"HumanIsGreen", 1, 0, 0, 1, 1, Disc(IDB_DISC_GREEN)},
+    {"HumanLetterIsNeverHidden", 1, 5, 12, 0, 1, letter("X")},
+    {"Strategy12HidesTheComputersLetters", 2, 3, 12, 0, 1, {}},
+    {"Character12ShowsItsLetters", 2, 12, 0, 0, 1, letter("O")},
+    {"Strategy12ShowsTheComputersSprites", 2, 8, 12, 1, 1, Disc(IDB_DISC_CYAN)},
+    {"WithoutOwnColoursRed", 2, 6, 0, 1, 0, Disc(IDB_DISC_RED)},
+    {"NoPlayer", 0, 1, 0, 1, 1, {}}, {"NoThirdPlayer", 3, 1, 0, 1, 1, {}},
+    {"Own0", 2, 0, 0, 1, 1, Disc(IDB_DISC_RED)},     {"Own1", 2, 1, 0, 1, 1, Disc(IDB_DISC_BLUE)},
+    {"Own2", 2, 2, 0, 1, 1, Disc(IDB_DISC_ORANGE)},  {"Own3", 2, 3, 0, 1, 1, Disc(IDB_DISC_SILVER)},
+    {"Own4", 2, 4, 0, 1, 1, Disc(IDB_DISC_RED)},     {"Own5", 2, 5, 0, 1, 1, Disc(IDB_DISC_YELLOW)},
+    {"Own6", 2, 6, 0, 1, 1, Disc(IDB_DISC_MAGENTA)}, {"Own7", 2, 7, 0, 1, 1, Disc(IDB_DISC_BLUE)},
+    {"Own8", 2, 8, 0, 1, 1, Disc(IDB_DISC_CYAN)},    {"Own9", 2, 9, 0, 1, 1, Disc(IDB_DISC_ORANGE)},
+    {"Own10", 2, 10, 0, 1, 1, Disc(IDB_DISC_VIOLET)}, {"Own11", 2, 11, 0, 1, 1, Disc(IDB_DISC_SILVER)},
+    {"Own12", 2, 12, 0, 1, 1, Disc(IDB_DISC_BLUE)},  {"Own13", 2, 13, 0, 1, 1, Disc(IDB_DISC_YELLOW)},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    SessionState.CharacterId = c.characterId;
-    SessionState.AiNumber = c.aiNumber;
-    SessionState.ShowImages = c.showImages;
-    SessionState.CustomColours = c.customColours;
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.CharacterId = row.CharacterId;
+    SessionState.AiNumber = row.AiNumber;
+    SessionState.ShowImages = row.ShowImages;
+    SessionState.CustomColours = row.CustomColours;
     DrawList steps;
-    PlanPiece(steps, 2, 3, c.player);
-    SCOPED_TRACE(testing::Message() << "player " << c.player << " character " << c.characterId
-                                    << " strategy " << c.aiNumber);
-    EXPECT_EQ(LookAt(steps, 2, 3), c.look);
-    if (c.look.Letter.empty()) continue;
-    EXPECT_EQ(steps[0].Colour, c.look.Letter == "X" ? Rgb(0, 255, 0) : Rgb(255, 0, 0));
-  }
+    PlanPiece(steps, 2, 3, row.Player);
+    EXPECT_EQ(LookAt(steps, 2, 3), row.Look);
+    if (!row.Look.Letter.empty()) {
+      EXPECT_EQ(steps[0].Colour, row.Look.Letter == "X" ? Rgb(0, 255, 0) : Rgb(255, 0, 0));
+    }
+  });
 }
 
 TEST_F(BoardPlanTest, EngineBoardIsShownWithItsRowsFromTheBottom) {
@@ -226,17 +186,11 @@ TEST_F(BoardPlanTest, EngineBoardIsShownWithItsRowsFromTheBottom) {
   ASSERT_TRUE(FrameShowsEngineBoard());
   ComposeFrameLogic();
   const DrawList frame = PlanEngineBoard();
-  EXPECT_EQ(LookAt(frame, 1, 7).Sprite, IDB_DISC_GREEN);
-  EXPECT_EQ(LookAt(frame, 1, 6).Sprite, IDB_DISC_VIOLET);
+  EXPECT_EQ(LookAt(frame, 1, 7), Disc(IDB_DISC_GREEN));
+  EXPECT_EQ(LookAt(frame, 1, 6), Disc(IDB_DISC_VIOLET));
   EXPECT_EQ(OfKind(frame, DrawKind::Bitmap).size(), 5u);  // two pieces and the portrait
   EXPECT_EQ(frame.back().At, (PixelPoint{68, 0}));        // the engine board's title
   EXPECT_EQ(OfKind(frame, DrawKind::Bitmap).back().Rect, (PixelRect{250, 120, 23, 68}));
-}
-
-TEST_F(BoardPlanTest, StatusLineIsDrawnOnlyWhenThereIsOne) {
-  SessionState.Level = 7;  // no level name: no status line
-  const DrawList frame = GridFrame();
-  for (const DrawOp& op : OfKind(frame, DrawKind::Text)) EXPECT_NE(op.At.Y, 248);
 }
 
 }  // namespace

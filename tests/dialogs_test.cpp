@@ -1,279 +1,146 @@
 // The rules of the home, characters and statistics dialogs.
-#include <gtest/gtest.h>
-
 #include <climits>
-#include <cstring>
 #include <string>
 #include <vector>
 
 #include "dialogs/characters_logic.h"
-#include "dialogs/dialog_text.h"
 #include "dialogs/home_logic.h"
 #include "dialogs/stats_logic.h"
-#include "opponents/roster.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-#include "shell/texts.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/texts.h"
 #include "test_support.h"
 
 namespace {
 
 using DialogTest = CoreTest;
 
-TEST_F(DialogTest, NumbersAreReadLikeAtoi) {
-  struct Case {
-    const char* text;
-    int32_t value;
-  };
-  // clang-format off
-  const Case cases[] = {
-    {"", 0}, {"7", 7}, {"  12", 12}, {"\t-3", -3}, {"+5", 5}, {"19x", 19}, {"x19", 0}, {"- 4", 0},
-    {"--4", 0}, {"007", 7}, {"2147483647", INT_MAX}, {"99999999999", INT_MAX},
-    {"-2147483648", INT_MIN}, {"-99999999999", INT_MIN},
-  };
-  // clang-format on
-  for (const Case& c : cases) EXPECT_EQ(ReadLeadingNumber(c.text), c.value) << c.text;
-}
-
 TEST_F(DialogTest, CellsTypedGiveTheBoardSizeOrAQuestionOrTheRangeError) {
-  struct Case {
-    const char* text;
-    CellsVerdict verdict;
-    int32_t boardSize;
-  };
+  // clang-format off
+  struct Row { const char* Name; const char* Text; CellsVerdict Verdict; int32_t BoardSize; };
   constexpr CellsVerdict kOut = CellsVerdict::OutOfRange, kAsk = CellsVerdict::AskFirst,
                          kAccept = CellsVerdict::Accept;
-  // clang-format off
-  const Case cases[] = {
-    {"", kOut, 1}, {"0", kOut, 1}, {"-2", kOut, -1}, {"abc", kOut, 1}, {"1", kAsk, 2},
-    {"3", kAsk, 4}, {"4", kAccept, 5}, {"7", kAccept, 8}, {"19", kAccept, 20}, {"20", kOut, 21},
-    {"2147483647", kOut, INT_MAX},
+  const Row rows[] = {
+    {"Empty", "", kOut, 1}, {"Zero", "0", kOut, 1}, {"Negative", " \t-2", kOut, -1},
+    {"NoLeadingDigits", "x19", kOut, 1}, {"SignAndBlank", "- 4", kOut, 1}, {"One", "1", kAsk, 2},
+    {"Three", "3", kAsk, 4}, {"Four", "4", kAccept, 5}, {"NineteenThenText", "+19x", kAccept, 20},
+    {"Twenty", "20", kOut, 21}, {"BeyondTheRange", "99999999999", kOut, INT_MAX},
+    {"BelowTheRange", "-99999999999", kOut, INT_MIN + 1},
   };
   // clang-format on
-  for (const Case& c : cases) {
+  ForEachRow(rows, [](const Row& row) {
     int32_t boardSize = 0;
-    EXPECT_EQ(CheckCellsText(c.text, &boardSize), c.verdict) << c.text;
-    EXPECT_EQ(boardSize, c.boardSize) << c.text;
-  }
-  EXPECT_EQ(CellsShownFor(8), 7);
-}
-
-TEST_F(DialogTest, ChallengeHoldsOnlyForOnePlayerAtDur) {
-  struct Case {
-    bool challenge, hard, twoPlayers, inconsistent;
-  };
-  // clang-format off
-  const Case cases[] = {
-    {false, false, false, false}, {false, true, true, false}, {true, true, false, false},
-    {true, false, false, true}, {true, true, true, true}, {true, false, true, true},
-  };
-  // clang-format on
-  for (const Case& c : cases) {
-    EXPECT_EQ(ChallengeIsInconsistent(c.challenge, c.hard, c.twoPlayers), c.inconsistent)
-        << c.challenge << c.hard << c.twoPlayers;
-  }
-}
-
-TEST_F(DialogTest, LevelGroupIsRelabelledByMode) {
-  const char* expected[2][4] = {{"Niveau", "Facile", "Normal", "Dur"},
-                                {"Stats", "Case 1", "Case 2", "Case 3"}};
-  for (bool twoPlayers : {false, true}) {
-    const LevelLabels& labels = LevelLabelsFor(twoPlayers);
-    const char* const* want = expected[twoPlayers];
-    EXPECT_EQ(std::vector<std::string>(
-                  {labels.Group, labels.Levels[0], labels.Levels[1], labels.Levels[2]}),
-              std::vector<std::string>(want, want + 4));
-  }
+    EXPECT_EQ(CheckCellsText(row.Text, &boardSize), row.Verdict);
+    EXPECT_EQ(boardSize, row.BoardSize);
+  });
 }
 
 TEST_F(DialogTest, AcceptingWritesTheChoicesAndTheStoredSquareSettingAtFirstStart) {
-  struct Case {
-    HomeChoice choice;
-    int32_t firstPaint;
-    int32_t gameMode, level, challenge, alwaysSquare;
-  };
-  // First start: slot 10 applies; later the option stays. The last: two players, second slot.
   // clang-format off
-  const Case cases[] = {
-    {{8, false, true, true, false}, 1, 1, 0, 0, 1},
-    {{8, false, true, true, false}, 0, 1, 0, 0, 0},
-    {{12, true, true, false, false}, 0, 1, 2, 1, 0},
-    {{5, false, false, false, true}, 0, 2, 1, 0, 0},
+  struct Row { const char* Name; HomeChoice Choice; int32_t FirstPaint, GameMode, Level, Challenge,
+               AlwaysSquare; };
+  const Row rows[] = {
+    {"FirstStartTakesTheStoredSquare", {8, false, true, true, false}, 1, 1, 0, 0, 1},
+    {"LaterTheOptionStays", {8, false, true, true, false}, 0, 1, 0, 0, 0},
+    {"DurWithChallenge", {12, true, true, false, false}, 0, 1, 2, 1, 0},
+    {"TwoPlayersSecondSlot", {5, false, false, false, true}, 0, 2, 1, 0, 0},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    ResetAllGlobals();
+  ForEachRow(rows, [](const Row& row) {
     SettingsBlock[kAlwaysSquareSlot] = 1;
     SessionState.HomeDialogOpen = 1;
-    SessionState.FirstPaint = c.firstPaint;
-    AcceptHomeChoice(c.choice);
+    SessionState.FirstPaint = row.FirstPaint;
+    AcceptHomeChoice(row.Choice);
     const SessionRecord& s = SessionState;
     EXPECT_EQ((std::vector<int32_t>{s.BoardSize, s.GameMode, s.Level, s.Challenge, s.AlwaysSquare,
                                     s.HomeDialogOpen, s.FirstPaint}),
-              (std::vector<int32_t>{c.choice.BoardSize, c.gameMode, c.level, c.challenge,
-                                    c.alwaysSquare, 0, 0}));
-  }
-}
-
-TEST_F(DialogTest, TwoPlayersSkipTheCharactersDialogAndPlayStrategyZero) {
-  SessionState.AiNumber = 6;
-  EXPECT_TRUE(CharactersDialogFollows());
-  EXPECT_EQ(SessionState.AiNumber, 6);
-  SessionState.GameMode = 2;
-  EXPECT_FALSE(CharactersDialogFollows());
-  EXPECT_EQ(SessionState.AiNumber, 0);
-}
-
-TEST_F(DialogTest, StrategyNumberIsReadFromTwoCharactersAtMost) {
-  struct Case {
-    const char* text;
-    int32_t value;
-  };
-  // clang-format off
-  const Case cases[] = {
-    {"", 0}, {"0", 0}, {"13", 13}, {"100", 10}, {"-1", -1}, {"99", 99}, {"7a", 7}, {" 5", 5},
-    {"a5", 0}, {"-12", -1},
-  };
-  // clang-format on
-  for (const Case& c : cases) EXPECT_EQ(ReadStrategyNumber(c.text), c.value) << c.text;
-}
-
-TEST_F(DialogTest, ChoosingInTheListShowsTheCharacterAtOnce) {
-  EXPECT_EQ(SelectCharacter(1), Roster[1].Description);
-  EXPECT_EQ(SessionState.CharacterId, 1);
-  EXPECT_EQ(SelectCharacter(13), Roster[13].Description);
-  EXPECT_EQ(SelectCharacter(-1), nullptr);  // no selection: nothing to describe
+              (std::vector<int32_t>{row.Choice.BoardSize, row.GameMode, row.Level, row.Challenge,
+                                    row.AlwaysSquare, 0, 0}));
+  });
 }
 
 TEST_F(DialogTest, CharactersOkTakesEverythingThenJudgesTheStrategy) {
-  struct Case {
-    int32_t boardSize;
-    const char* strategy;
-    StrategyVerdict verdict;
-    int32_t aiNumber;
-  };
-  constexpr StrategyVerdict kOk = StrategyVerdict::Accept, kOut = StrategyVerdict::OutOfRange;
-  // Strategy 10 on seven cells a side is accepted; on any other board it asks first.
+  // The strategy is read from its first two characters; strategy 10 asks first on any board
+  // but seven cells a side. Stored: the name as kept, nothing of the earlier name behind it.
   // clang-format off
-  const Case cases[] = {
-    {8, "0", kOk, 0}, {8, "", kOk, 0}, {12, "13", kOk, 13}, {8, "14", kOut, 14},
-    {8, "99", kOut, 99}, {8, "-1", kOut, -1}, {8, "10", kOk, 10},
-    {12, "100", StrategyVerdict::AskCocoBoard, 10},
+  struct Row { const char* Name; int32_t BoardSize; const char* PlayerName, *Strategy;
+               StrategyVerdict Verdict; int32_t AiNumber; std::string Stored; };
+  constexpr StrategyVerdict kOk = StrategyVerdict::Accept, kOut = StrategyVerdict::OutOfRange,
+                            kAsk = StrategyVerdict::AskCocoBoard;
+  const Row rows[] = {
+    {"EmptyIsZero", 8, "Bo", "", kOk, 0, "Bo"}, {"HighestOnAnyBoard", 12, "Bo", "13", kOk, 13, "Bo"},
+    {"Fourteen", 8, "Bo", "14", kOut, 14, "Bo"}, {"MinusOne", 8, "Bo", "-1", kOut, -1, "Bo"},
+    {"TwoCharactersOnly", 8, "Bo", "-12", kOut, -1, "Bo"}, {"LetterEnds", 8, "Bo", "7a", kOk, 7, "Bo"},
+    {"SearcherOnSevenCells", 8, "Bo", "10", kOk, 10, "Bo"},
+    {"HundredAsksForTheSearcher", 12, "Bo", "100", kAsk, 10, "Bo"},
+    {"LongNameIsCut", 8, "abcdefghijklmnopqrstuvwxyz0123", "0", kOk, 0, "abcdefghijklmnopqrstuvwx"},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    ResetAllGlobals();
-    SessionState.BoardSize = c.boardSize;
-    EXPECT_EQ(AcceptCharactersOk(1, "Alice", c.strategy), c.verdict) << c.strategy;
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.BoardSize = row.BoardSize;
+    EXPECT_EQ(AcceptCharactersOk(1, row.PlayerName, row.Strategy), row.Verdict);
     // The character, the name and the number are taken even when the dialog stays open.
     EXPECT_EQ(SessionState.CharacterId, 1);
-    EXPECT_STREQ(SessionState.PlayerName, "Alice");
-    EXPECT_EQ(SessionState.AiNumber, c.aiNumber);
-    EXPECT_EQ(SessionState.BoardSize, c.boardSize);
-  }
-  UseEngineBoardSize();
-  EXPECT_EQ(SessionState.BoardSize, 8);
+    EXPECT_EQ(SessionState.AiNumber, row.AiNumber);
+    EXPECT_EQ(SessionState.BoardSize, row.BoardSize);
+    const std::string field(SessionState.PlayerName, sizeof SessionState.PlayerName);
+    EXPECT_EQ(field, row.Stored + std::string(field.size() - row.Stored.size(), '\0'));
+  });
 }
 
-TEST_F(DialogTest, NameIsCutToTwentyFourCharactersWithNothingOfTheOldOneLeft) {
-  AcceptCharactersOk(0, "abcdefghijklmnopqrstuvwxyz0123", "0");
-  EXPECT_STREQ(SessionState.PlayerName, "abcdefghijklmnopqrstuvwx");
-  AcceptCharactersOk(0, "Bo", "0");
-  EXPECT_STREQ(SessionState.PlayerName, "Bo");
-  for (size_t i = 2; i < sizeof SessionState.PlayerName; ++i) {
-    EXPECT_EQ(SessionState.PlayerName[i], 0) << i;
-  }
-}
+// The verdicts, each from its first whole percentage of wins up to the next one's.
+// clang-format off
+struct Verdict { int FirstPercent; const char* Text; };
+const Verdict kVerdicts[21] = {
+  {0, "Vraiment nul!"}, {1, "Tu ne sait pas jouer?"}, {6, "Argh... Trop déçu!"},
+  {11, "Hm... Ca s'améliore pas!"}, {16, "Non. Ce n'est pas bon."}, {21, "Bof. Très médiocre."},
+  {26, "Décevant..."}, {31, "A la limite. Ca va mieux!"}, {36, "Ca commence à venir!?"},
+  {41, "Continue à bosser!"}, {46, "Moyen. Mais pas trop mal!"},
+  {51, "Pas mal, mais ne t'arrête pas!"}, {56, "Vas-y! Continue!"}, {61, "De mieux en mieux!"},
+  {66, "Chouette! Ca c'est beau!"}, {71, "Hey! Molo avec l'ordi là!"}, {76, "Très bien!"},
+  {81, "Excellent!"}, {86, "Vraiment superbe!"}, {91, "Cherche toi un autre adversaire!"},
+  {96, "Ca c'est ben la mort qui tue!"},
+};
+// clang-format on
 
-TEST_F(DialogTest, ShareOfWinsIsFormattedWithTwoDecimals) {
-  struct Case {
-    uint16_t won, lost;
-    const char* text;
-  };
-  // clang-format off
-  const Case cases[] = {
-    {0, 0, "0.00%"}, {3, 0, "100.00%"}, {1, 2, "33.33%"}, {1, 199, "0.50%"}, {0, 5, "0.00%"},
-    {2, 1, "66.67%"}, {65535, 1, "100.00%"},
-  };
-  // clang-format on
-  for (const Case& c : cases) {
-    EXPECT_EQ(ShareOfWinsText(c.won, c.lost), std::string("Moyennant:\t\t ") + c.text);
-  }
-}
-
-TEST_F(DialogTest, VerdictChangesAtEveryFifthPercent) {
+TEST_F(DialogTest, VerdictChangesAtEveryBoundaryOfItsTable) {
   // Won and lost out of 100 decided games give the percentage itself.
-  std::string expected[101];
-  const std::string verdicts[21] = {"Vraiment nul!",
-                                    "Tu ne sait pas jouer?",
-                                    "Argh... Trop déçu!",
-                                    "Hm... Ca s'améliore pas!",
-                                    "Non. Ce n'est pas bon.",
-                                    "Bof. Très médiocre.",
-                                    "Décevant...",
-                                    "A la limite. Ca va mieux!",
-                                    "Ca commence à venir!?",
-                                    "Continue à bosser!",
-                                    "Moyen. Mais pas trop mal!",
-                                    "Pas mal, mais ne t'arrête pas!",
-                                    "Vas-y! Continue!",
-                                    "De mieux en mieux!",
-                                    "Chouette! Ca c'est beau!",
-                                    "Hey! Molo avec l'ordi là!",
-                                    "Très bien!",
-                                    "Excellent!",
-                                    "Vraiment superbe!",
-                                    "Cherche toi un autre adversaire!",
-                                    "Ca c'est ben la mort qui tue!"};
-  expected[0] = verdicts[0];
-  for (int p = 1; p <= 100; ++p) expected[p] = verdicts[p >= 96 ? 20 : (p + 4) / 5];
   for (int p = 0; p < 100; ++p) {
+    int k = 20;
+    while (kVerdicts[k].FirstPercent > p) --k;
     EXPECT_EQ(ToUtf8(VerdictFor(static_cast<uint16_t>(p), static_cast<uint16_t>(100 - p))),
-              expected[p])
+              kVerdicts[k].Text)
         << p << "%";
   }
-  // Percentages are whole numbers rounded down.
-  struct Case {
-    uint16_t won, lost;
-    int verdict;
-  };
-  // clang-format off
-  const Case cases[] = {
-    {0, 0, 0}, {5, 0, 20}, {1, 199, 0}, {1, 2, 7}, {19, 1, 19}, {99, 1, 20}, {1, 0, 20},
-    {0, 3, 0},
-  };
-  // clang-format on
-  for (const Case& c : cases) {
-    EXPECT_EQ(ToUtf8(VerdictFor(c.won, c.lost)), verdicts[c.verdict]) << c.won << "/" << c.lost;
-  }
 }
 
-TEST_F(DialogTest, StatsTextsShowTheRecordOfTheCurrentSection) {
-  struct Case {
-    int32_t gameMode, aiNumber, level, challenge, section;
-    const char* mode;
-  };
+TEST_F(DialogTest, StatsTextsOfTheCurrentSection) {
   // clang-format off
-  const Case cases[] = {
-    {1, 0, 2, 1, 3, "1 joueurs (section 4)"}, {2, 0, 2, 0, 58, "2 joueurs (section 59)"},
-    {1, 13, 0, 0, 52, "1 joueurs (section 53)"},
+  struct Row { const char* Name; int32_t GameMode, AiNumber, Level, Challenge, Section;
+               uint16_t Won, Lost; const char* Share; int32_t Verdict; const char* Mode; };
+  const Row rows[] = {
+    {"NothingDecided", 1, 0, 0, 0, 0, 0, 0, "0.00%", 0, "1 joueurs (section 1)"},
+    {"NeverLost", 1, 0, 2, 1, 3, 3, 0, "100.00%", 20, "1 joueurs (section 4)"},
+    {"OneInThree", 2, 0, 2, 0, 58, 1, 2, "33.33%", 7, "2 joueurs (section 59)"},
+    {"TwoInThree", 1, 13, 0, 0, 52, 2, 1, "66.67%", 14, "1 joueurs (section 53)"},
+    {"HalfAPercentRoundsDown", 1, 0, 1, 0, 1, 1, 199, "0.50%", 0, "1 joueurs (section 2)"},
+    {"NinetyFive", 1, 0, 0, 0, 0, 19, 1, "95.00%", 19, "1 joueurs (section 1)"},
   };
   // clang-format on
-  for (const Case& c : cases) {
-    ResetAllGlobals();
-    SessionState.GameMode = c.gameMode;
-    SessionState.AiNumber = c.aiNumber;
-    SessionState.Level = c.level;
-    SessionState.Challenge = c.challenge;
-    StatsTable[c.section] = {5, 1, 2, {0, 0, 0}};
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.GameMode = row.GameMode;
+    SessionState.AiNumber = row.AiNumber;
+    SessionState.Level = row.Level;
+    SessionState.Challenge = row.Challenge;
+    StatsTable[row.Section] = {5, row.Won, row.Lost, {0, 0, 0}};
     const StatsTexts t = StatsDialogTexts();
     EXPECT_EQ(ToUtf8(t.Played.c_str()), "Parties jouées:\t 5");
-    EXPECT_EQ(ToUtf8(t.Won.c_str()), "Parties gagnées:\t 1");
-    EXPECT_EQ(t.Lost, "Parties perdues:\t 2");
-    EXPECT_EQ(t.Share, "Moyennant:\t\t 33.33%");
-    EXPECT_EQ(t.Verdict, "A la limite. Ca va mieux!");
-    EXPECT_EQ(t.Mode, c.mode);
-  }
+    EXPECT_EQ(ToUtf8(t.Won.c_str()), "Parties gagnées:\t " + std::to_string(row.Won));
+    EXPECT_EQ(t.Lost, "Parties perdues:\t " + std::to_string(row.Lost));
+    EXPECT_EQ(t.Share, std::string("Moyennant:\t\t ") + row.Share);
+    EXPECT_EQ(ToUtf8(t.Verdict.c_str()), kVerdicts[row.Verdict].Text);
+    EXPECT_EQ(t.Mode, row.Mode);
+  });
 }
 
 }  // namespace

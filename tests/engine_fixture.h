@@ -1,5 +1,6 @@
 // What the engine's tests share: a fixture with a fresh engine game of the game's size, pictures
-// of positions, copies of the current position, and the exact (unpruned) value of a move.
+// of positions, copies of the current position, and values of positions: exact (unpruned) and
+// by the engine's search.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,14 +12,15 @@
 
 #include "engine/engine.h"
 #include "engine/engine_state.h"
-#include "shell/random.h"
+#include "ground/random.h"
+#include "ground/test_hooks.h"
 
 class EngineTest : public ::testing::Test {
  protected:
   void SetUp() override {
     EngineRelease();               // harmless when no engine game is open
     EngineSeededGenerator = true;  // no clock seeding: the tests choose their seeds
-    EngineAllocationsLeft = -1;
+    TestHooks = TestHooksRecord{};
     EngineStart(8, 7, 4);
     SeedRandom(1);
   }
@@ -63,18 +65,6 @@ inline PositionCopy CopyCurrentPosition() {
   return copy;
 }
 
-// Puts a copy back as the base position, with its piece count.
-inline void RestoreBasePosition(const PositionCopy& copy, int32_t pieceCount) {
-  EngineState* s = &Engine.PositionStack.Slot[0];
-  std::copy(copy.cells.begin(), copy.cells.end(), s->cells[0]);
-  for (int32_t p = 0; p < 2; ++p) {
-    std::copy(copy.lineScore[p].begin(), copy.lineScore[p].end(), s->lineScore[p]);
-    s->scoreTotal[p] = copy.scoreTotal[p];
-  }
-  s->winner = copy.winner;
-  s->pieceCount = pieceCount;
-}
-
 // The value of the current position for p (who has just moved) by plain negamax without
 // cut-offs: the oracle against which the pruned search is checked.
 inline int32_t ExactValue(int32_t p, int32_t depth) {
@@ -93,13 +83,12 @@ inline int32_t ExactValue(int32_t p, int32_t depth) {
   return -best;
 }
 
-// The value for p of playing an open column on the current position, searched to depth: by the
-// engine's own search with the widest bounds, or exactly.
-inline int32_t MoveValue(int32_t p, int32_t column, int32_t depth, bool exact = false) {
+// The value for p of playing an open column on the current position, searched to depth by the
+// engine's own search with the widest bounds.
+inline int32_t MoveValue(int32_t p, int32_t column, int32_t depth) {
   PushPosition();
   DropPiece(p, column);
-  const int32_t v =
-      exact ? ExactValue(p, depth) : SearchValue(p, depth, -kEngineInfinity, kEngineInfinity);
+  const int32_t v = SearchValue(p, depth, -kEngineInfinity, kEngineInfinity);
   PopPosition();
   return v;
 }

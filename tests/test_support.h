@@ -1,5 +1,5 @@
 // The test host of the portable core: a platform that records what the core asks of it, and a
-// fixture that gives every test fresh global records.
+// fixture that gives every test, and every row of a table, fresh global records.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -24,4 +24,16 @@ void ResetAllGlobals();
 class CoreTest : public ::testing::Test {
  protected:
   void SetUp() override { ResetAllGlobals(); }
+
+  // Runs `body` for every row of a table, each from a fresh fixture (the fixture's TearDown
+  // and SetUp run again before it); a failure names its row by the row's Name.
+  template <typename Rows, typename Body>
+  void ForEachRow(const Rows& rows, Body body) {
+    for (const auto& row : rows) {
+      TearDown();
+      SetUp();
+      SCOPED_TRACE(row.Name);
+      body(row);
+    }
+  }
 };

@@ -1,19 +1,16 @@
 // The logical size, the fit of the picture in the client area, the black margins and the
 // mapping of pointer positions.
-#include <gtest/gtest.h>
-
 #include <vector>
 
+#include "ground/session.h"
 #include "render/viewport.h"
-#include "shell/session.h"
-#include "shell/turnflow.h"
 #include "test_support.h"
 
 namespace {
 
 class ViewportTest : public CoreTest {
  protected:
-  void Logical(int32_t w, int32_t h) {
+  static void Logical(int32_t w, int32_t h) {
     SessionState.LogicalWidth = w;
     SessionState.LogicalHeight = h;
   }
@@ -63,80 +60,51 @@ TEST_F(ViewportTest, FitKeepsTheAspectOnlyWhenAsked) {
 }
 
 TEST_F(ViewportTest, PresentationBlacksOutWhatThePictureLeaves) {
-  struct Case {
-    int32_t clientW, clientH, square;
-    PixelRect dest;
-    std::vector<PixelRect> black;
+  // Right of and below the picture always; left and above only beyond one pixel.
+  // clang-format off
+  struct Row { const char* Name; int32_t ClientW, ClientH; PixelRect Dest;
+               std::vector<PixelRect> Black; };
+  const Row rows[] = {
+    {"Unscaled", 400, 200, {0, 0, 400, 200}, {{400, 0, 1000, 1000}, {0, 200, 1000, 1000}}},
+    {"LeftMargin", 1000, 200, {299, 0, 401, 200},
+     {{0, 0, 299, 1000}, {700, 0, 1000, 1000}, {0, 200, 1000, 1000}}},
+    {"TopMargin", 400, 600, {0, 200, 400, 200},
+     {{0, 0, 1000, 200}, {400, 0, 1000, 1000}, {0, 400, 1000, 1000}}},
+    {"OnePixelMarginStaysUnpainted", 403, 200, {1, 0, 401, 200},
+     {{402, 0, 1000, 1000}, {0, 200, 1000, 1000}}},
   };
-  const Case cases[] = {
-      // Unscaled: only the areas right of and below the picture, always.
-      {400, 200, 1, {0, 0, 400, 200}, {{400, 0, 1000, 1000}, {0, 200, 1000, 1000}}},
-      // Margins on the left and the top.
-      {1000,
-       200,
-       1,
-       {299, 0, 401, 200},
-       {{0, 0, 299, 1000}, {700, 0, 1000, 1000}, {0, 200, 1000, 1000}}},
-      {400,
-       600,
-       1,
-       {0, 200, 400, 200},
-       {{0, 0, 1000, 200}, {400, 0, 1000, 1000}, {0, 400, 1000, 1000}}},
-      // A margin of one pixel is not blacked out.
-      {403, 200, 1, {1, 0, 401, 200}, {{402, 0, 1000, 1000}, {0, 200, 1000, 1000}}},
-  };
-  Logical(400, 200);
-  for (const Case& c : cases) {
-    SessionState.AlwaysSquare = c.square;
-    FitDestination(c.clientW, c.clientH);
+  // clang-format on
+  ForEachRow(rows, [](const Row& row) {
+    Logical(400, 200);
+    SessionState.AlwaysSquare = 1;
+    FitDestination(row.ClientW, row.ClientH);
     const PresentPlan plan = PlanPresentation();
-    SCOPED_TRACE(testing::Message() << c.clientW << "x" << c.clientH);
     EXPECT_EQ(plan.Source, (PixelRect{0, 0, 400, 200}));
-    EXPECT_EQ(plan.Destination, c.dest);
-    ASSERT_EQ(plan.BlackCount, static_cast<int32_t>(c.black.size()));
-    for (size_t i = 0; i < c.black.size(); ++i) EXPECT_EQ(plan.Black[i], c.black[i]) << i;
-  }
-}
-
-TEST_F(ViewportTest, ALogicalSizeBeyondTheBuffersShowsItsExcessBlack) {
-  Logical(800, 500);
-  FitDestination(1600, 500);  // twice as wide, stretched
-  const PresentPlan plan = PlanPresentation();
-  EXPECT_EQ(plan.Source, (PixelRect{0, 0, 660, 500}));
-  EXPECT_EQ(plan.Destination, (PixelRect{0, 0, 1320, 500}));  // the same scale as the whole
-  ASSERT_EQ(plan.BlackCount, 3);
-  EXPECT_EQ(plan.Black[2], (PixelRect{1320, 0, 280, 500}));
+    EXPECT_EQ(plan.Destination, row.Dest);
+    EXPECT_EQ(std::vector<PixelRect>(plan.Black, plan.Black + plan.BlackCount), row.Black);
+  });
 }
 
 TEST_F(ViewportTest, PointerMapsBackToLogicalPixels) {
-  struct Case {
-    int32_t W, H, square, clientW, clientH, x, y, mouseX, mouseY;
+  // clang-format off
+  struct Row { const char* Name; int32_t W, H, Square, ClientW, ClientH, X, Y, MouseX, MouseY; };
+  const Row rows[] = {
+    {"Unscaled", 400, 300, 0, 400, 300, 95, 10, 95, 10},
+    {"TwiceTheSize", 285, 261, 0, 570, 522, 190, 100, 95, 50},
+    {"PictureLeftEdge", 400, 200, 1, 1000, 200, 299, 0, 0, 0},
+    {"LeftMarginIsLeftOfTheBoard", 400, 200, 1, 1000, 200, 200, 50, -98, 50},
+    {"TopMargin", 400, 200, 1, 400, 600, 100, 300, 100, 100},
+    {"EmptyClientAreaDividesByNothing", 400, 200, 1, 0, 0, 10, 10, 0, 0},
   };
-  const Case cases[] = {
-      {400, 300, 0, 400, 300, 95, 10, 95, 10},
-      {285, 261, 0, 570, 522, 190, 100, 95, 50},   // twice the size
-      {400, 200, 1, 1000, 200, 299, 0, 0, 0},      // at the picture's left edge
-      {400, 200, 1, 1000, 200, 200, 50, -98, 50},  // in the margin: left of the board
-      {400, 200, 1, 400, 600, 100, 300, 100, 100},
-  };
-  for (const Case& c : cases) {
-    Logical(c.W, c.H);
-    SessionState.AlwaysSquare = c.square;
-    FitDestination(c.clientW, c.clientH);
-    TrackPointer(c.x, c.y);
-    EXPECT_EQ(MouseX, c.mouseX) << c.x << "," << c.y;
-    EXPECT_EQ(MouseY, c.mouseY) << c.x << "," << c.y;
-  }
-}
-
-TEST_F(ViewportTest, AnEmptyClientAreaKeepsTheLastPointerPosition) {
-  FitDestination(300, 200);
-  TrackPointer(95, 40);
-  const int32_t x = MouseX, y = MouseY;
-  FitDestination(0, 0);
-  TrackPointer(10, 10);
-  EXPECT_EQ(MouseX, x);
-  EXPECT_EQ(MouseY, y);
+  // clang-format on
+  ForEachRow(rows, [](const Row& row) {
+    Logical(row.W, row.H);
+    SessionState.AlwaysSquare = row.Square;
+    FitDestination(row.ClientW, row.ClientH);
+    TrackPointer(row.X, row.Y);
+    EXPECT_EQ(MouseX, row.MouseX);
+    EXPECT_EQ(MouseY, row.MouseY);
+  });
 }
 
 }  // namespace

@@ -20,11 +20,6 @@ void* AllocOrDie(int32_t size);
 // does it once, at its first start in the process.
 extern bool EngineSeededGenerator;
 
-// Test seam for running out of memory. While negative (always, in the game), AllocOrDie asks the
-// standard library for every block; otherwise it hands out that many more blocks and then acts
-// as if the standard library had none left.
-extern int32_t EngineAllocationsLeft;
-
 // Moves on the current position (engine_moves.cpp).
 int32_t DropPiece(int32_t player, int32_t column);
 void RescoreCell(int32_t player, int32_t column, int32_t row);
@@ -41,10 +36,6 @@ void EngineLineEnds(int32_t* firstColumn, int32_t* firstRow, int32_t* lastColumn
 bool EngineChooseAndPlay(int32_t player, int32_t depth, int32_t* column = nullptr,
                          int32_t* row = nullptr);
 int32_t SearchValue(int32_t player, int32_t depth, int32_t alpha, int32_t beta);
-
-// Positions searched since the process started: one per piece that EngineChooseAndPlay or
-// SearchValue drops. Benchmarks and tests read differences.
-extern int64_t EngineNodesSearched;
 
 // Debugging (engine_moves.cpp): true if the current position's line scores, totals and winner
 // agree with its cells, and, on the base position, the piece count as well.

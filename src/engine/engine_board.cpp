@@ -1,18 +1,16 @@
 // Setting up and giving back an engine game: dimensions, the numbered winning lines and the map
-// from cells to lines, the search's column order, the base position and the position stack, and
-// the search's own board (engine_search_board.cpp).
+// from cells to lines, the search's column order, the base position and the position stack.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "engine/engine.h"
 #include "engine/engine_state.h"
-#include "shell/random.h"
+#include "ground/random.h"
+#include "ground/test_hooks.h"
 
 EngineRecord Engine;
 bool EngineSeededGenerator = false;
-int32_t EngineAllocationsLeft = -1;
-int32_t EngineBlocksHeld = 0;
 
 // The number of winning lines of length lineLength on a width x height board.
 int32_t CountLines(int32_t width, int32_t height, int32_t lineLength) {
@@ -26,21 +24,14 @@ int32_t CountLines(int32_t width, int32_t height, int32_t lineLength) {
 // Returns a new block of size bytes; never returns without one. Running out of memory ends the
 // process with the one message the program ever writes to a standard stream.
 void* AllocOrDie(int32_t size) {
-  void* block = nullptr;
-  if (EngineAllocationsLeft != 0) block = std::malloc(static_cast<size_t>(size));
-  if (EngineAllocationsLeft > 0) --EngineAllocationsLeft;
+  int32_t& left = TestHooks.AllocationsLeft;
+  void* block = left != 0 ? std::malloc(static_cast<size_t>(size)) : nullptr;
+  if (left > 0) --left;
   if (block == nullptr) {
     std::fprintf(stderr, "kv: emalloc() - Can't allocate %d bytes.\n", size);
     std::exit(1);
   }
-  ++EngineBlocksHeld;
   return block;
-}
-
-void GiveBack(void* block) {
-  if (block == nullptr) return;
-  std::free(block);
-  --EngineBlocksHeld;
 }
 
 // Gives a stack slot its cells (one block for all columns) and its two line score arrays.
@@ -57,12 +48,10 @@ void TakeSlotArrays(EngineState* slot) {
 }
 
 static void GiveBackSlotArrays(EngineState* slot) {
-  GiveBack(slot->cells[0]);
-  GiveBack(slot->cells);
-  GiveBack(slot->lineScore[0]);
-  GiveBack(slot->lineScore[1]);
-  slot->cells = nullptr;
-  slot->lineScore[0] = slot->lineScore[1] = nullptr;
+  std::free(slot->cells[0]);
+  std::free(slot->cells);
+  std::free(slot->lineScore[0]);
+  std::free(slot->lineScore[1]);
 }
 
 // An empty board on which every line is open to both players.
@@ -150,24 +139,23 @@ void EngineStart(int32_t width, int32_t height, int32_t lineLength) {
   ClearBasePosition();
   BuildLineMap();
   BuildColumnOrder();
-  BuildSearchBoard();
 }
 
 // Gives back every block of the current engine game; the dimensions stay. Harmless when no
-// engine game is open.
+// engine game is open. The stack is left empty, with no current position, so that a position
+// of a released game can't be read by mistake.
 void EngineRelease() {
-  GiveBackSearchBoard();
   if (Engine.LineMap != nullptr) {
     for (int32_t c = 0; c < Engine.NominalWidth; ++c) {
-      for (int32_t r = 0; r < Engine.Height; ++r) GiveBack(Engine.LineMap[c][r]);
-      GiveBack(Engine.LineMap[c]);
+      for (int32_t r = 0; r < Engine.Height; ++r) std::free(Engine.LineMap[c][r]);
+      std::free(Engine.LineMap[c]);
     }
-    GiveBack(Engine.LineMap);
+    std::free(Engine.LineMap);
     Engine.LineMap = nullptr;
   }
   PositionStackRecord* stack = &Engine.PositionStack;
   for (int32_t s = 0; s < stack->SlotsWithArrays; ++s) GiveBackSlotArrays(&stack->Slot[s]);
-  stack->SlotsWithArrays = 0;
-  GiveBack(Engine.ColumnOrder);
+  *stack = PositionStackRecord{};
+  std::free(Engine.ColumnOrder);
   Engine.ColumnOrder = nullptr;
 }

@@ -2,14 +2,12 @@
 
 #include <cstring>
 
-#include "opponents/fast_lookahead.h"
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/openings.h"
 #include "opponents/roster.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-
-TurnWork Turn;
 
 namespace {
 
@@ -148,50 +146,4 @@ void PlayTurn(int32_t x) {
     return;
   }
   ComputerReply(x / 30);
-}
-
-// Plays out one ply below the position in snapshot ply - 1, adding the mover's weight for every
-// trial after which the referee reports the mover's line.
-static void PlainPly(int32_t ply, int32_t depth, const int32_t* weights, bool cut, int32_t* score) {
-  const int32_t mover = ply % 2 == 1 ? 2 : 1;
-  for (int32_t k = 0; k < Side(); ++k) {
-    RestoreSnapshot(ply - 1);
-    SessionState.CurrentPlayer = mover;
-    GridDrop(Turn.ShuffledColumns[k]);
-    const bool line = GridFindWinner() == mover;
-    if (line) *score += mover == 2 ? weights[ply - 1] : -weights[ply - 1];
-    if (ply < depth && !(cut && line)) {
-      TakeSnapshot(ply);
-      PlainPly(ply + 1, depth, weights, cut, score);
-    }
-  }
-}
-
-int32_t PlainLookAhead(int32_t depth) {
-  const int32_t ai = IsRosterIndex(SessionState.AiNumber) ? SessionState.AiNumber : 0;
-  const int32_t* weights = PlyWeights[ai];
-  const bool cut = CutsBelowLines(ai);
-  int32_t best = kForbidden, chosen = 0;
-  for (int32_t k = 0; k < Side(); ++k) {
-    const int32_t c1 = Turn.ShuffledColumns[k];
-    int32_t score = 0;
-    RestoreSnapshot(0);
-    SessionState.CurrentPlayer = 2;
-    GridDrop(c1);
-    if (GridFindWinner() == 2) score += weights[0];
-    TakeSnapshot(1);
-    PlainPly(2, depth, weights, cut, &score);
-    if (score < 0 && score < Turn.ColumnValue[c1]) Turn.ColumnValue[c1] = score;
-    if (score > best) {
-      best = score;
-      chosen = c1;
-    }
-  }
-  return chosen;
-}
-
-bool UsePlainLookAhead = false;
-
-int32_t LookAhead(int32_t depth) {
-  return UsePlainLookAhead ? PlainLookAhead(depth) : FastLookAhead(depth);
 }

@@ -2,19 +2,28 @@
 
 #include <cstring>
 
+#include "engine/engine.h"
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/test_hooks.h"
+#include "opponents/lookahead.h"
+#include "opponents/new_game.h"
 #include "opponents/openings.h"
 #include "opponents/referee.h"
-#include "opponents/turn.h"
 #include "render/viewport.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 #include "shell/turnflow.h"
 
+// The engine's game is given back, which leaves it holding no memory and no position; its
+// dimensions stay until the next game sets them. The look-ahead's own tables are rewritten at
+// every reply before they are read, so nothing of them carries from one session to the next.
 void ResetProcessState() {
   EndEngineGame();
+  EngineSeededGenerator = false;
+  RandomState = kRandomStart;
+  TestHooks = TestHooksRecord{};
   ResetSessionState();
-  ResetTurnFlow();
+  MouseX = MouseY = 0;
   Viewport = ViewportRecord{};
   GridClear();
   std::memset(RunNeeded, 0, sizeof RunNeeded);

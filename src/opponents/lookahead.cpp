@@ -1,15 +1,14 @@
-#include "opponents/fast_lookahead.h"
+#include "opponents/lookahead.h"
 
 #include <algorithm>
 #include <bit>
+#include <cassert>
 #include <cstring>
 
+#include "ground/session.h"
 #include "opponents/roster.h"
-#include "opponents/turn.h"
-#include "shell/session.h"
 
-FastLookAheadSettings FastSettings;
-int64_t FastTrials;
+TurnWork Turn;
 
 namespace {
 
@@ -68,16 +67,14 @@ uint16_t PathCodes[kPlies];
 uint32_t SavedMasks[kPlies][4];
 int32_t PathLength;
 
-// Subtree scores by exact position and ply. The stamp tells this reply's entries from older
-// ones, so the table is never cleared between replies.
+// Subtree scores by exact position and ply, for one reply: cleared before every reply that
+// uses it. Id 0 marks an empty entry; no real position has it, since its ply bits are at least 3.
 struct TableEntry {
   uint64_t Id;
   int32_t Value;
-  uint32_t Stamp;
 };
 constexpr int32_t kTableBits = 14;
 TableEntry Table[1 << kTableBits];
-uint32_t Stamp;
 
 // Set bits of a column mask (the portable build has no population-count instruction).
 inline int32_t Count(uint32_t x) {
@@ -120,9 +117,8 @@ inline Key ThreatKey(int32_t v, int32_t d, int32_t y, int32_t before, int32_t af
 }
 
 // Whether a line just added is reported instead of the one reported so far: when it comes
-// first in the scan (deliberately broken: always).
+// first in the scan.
 inline bool Hides(Key added, Key reported) {
-  if (FastSettings.WrongScanOrder) return added != kNone;
   return added < reported;
 }
 
@@ -298,7 +294,6 @@ int32_t LastPly(int32_t ply, Key reported) {
   const int32_t m = Mover(ply), s = Board.Side;
   const int32_t n =
       ValueOf(reported) == m ? s : CountHiding(Board.TopMask[m], Board.Top, m, reported);
-  FastTrials += s;
   return Board.Weight[ply] * n;
 }
 
@@ -323,20 +318,16 @@ int32_t LastTwoPlies(int32_t ply, Key reported) {
   const int32_t n = Count(quiet);
   const bool line = ValueOf(reported) == m;
   int32_t total = line ? n * Board.Weight[ply] : 0;
-  FastTrials += n;
   if (!(Board.Cut && line)) {
     total += Board.Weight[ply + 1] * (n * base - atTop(quiet, reported) + atAbove(quiet, reported));
-    FastTrials += static_cast<int64_t>(n) * s;
   }
   for (uint32_t rest = threats; rest != 0; rest &= rest - 1) {
     const int32_t c = std::countr_zero(rest);
     const uint32_t bit = 1u << c;
     const Key k = Merge(reported, Board.Best[m][Board.Top[c]]);
     const bool own = ValueOf(k) == m;
-    ++FastTrials;
     if (own) total += Board.Weight[ply];
     if (Board.Cut && own) continue;
-    FastTrials += s;
     const int32_t answers = k == reported ? base - atTop(bit, k) + atAbove(bit, k)
                                           : atTop(all & ~bit, k) + atAbove(bit, k);
     total += Board.Weight[ply + 1] * answers;
@@ -350,13 +341,12 @@ int32_t Search(int32_t ply, Key reported);
 // plies `ply` and deeper. Shared between transposed positions from ply 3 on, except where the
 // plies are counted: counting them again costs less than looking them up.
 int32_t Below(int32_t ply, Key reported, int32_t v, int32_t c, int32_t x) {
-  const int32_t counted = FastSettings.CountLastPlies ? 2 : 1;
-  const bool shared = FastSettings.Transpositions && ply >= 3 && ply <= Board.Depth - counted;
+  const bool shared = ply >= 3 && ply <= Board.Depth - 2;
   uint64_t id = 0;
   if (shared) {
     id = PositionId(x != 0 ? static_cast<uint16_t>(x * 2 + v - 1) : 0, ply);
     const TableEntry& e = Slot(id);
-    if (e.Stamp == Stamp && e.Id == id) return e.Value;
+    if (e.Id == id) return e.Value;
   }
   int32_t value;
   if (x != 0) {
@@ -367,21 +357,20 @@ int32_t Below(int32_t ply, Key reported, int32_t v, int32_t c, int32_t x) {
   } else {
     value = Search(ply, reported);
   }
-  if (shared) Slot(id) = {id, value, Stamp};
+  if (shared) Slot(id) = {id, value};
   return value;
 }
 
 // The score of plies `ply` and deeper below the current position, whose report is `reported`.
 int32_t Search(int32_t ply, Key reported) {
   if (ply == Board.Depth) return LastPly(ply, reported);
-  if (ply == Board.Depth - 1 && FastSettings.CountLastPlies) return LastTwoPlies(ply, reported);
+  if (ply == Board.Depth - 1) return LastTwoPlies(ply, reported);
   const int32_t m = Mover(ply);
   int32_t total = 0;
   for (int32_t c = 1; c <= Board.Side; ++c) {
     const int32_t x = Board.Top[c];
     const Key k = TrialKey(reported, m, x);
     const bool line = ValueOf(k) == m;
-    ++FastTrials;
     if (line) total += Board.Weight[ply];
     if (Board.Cut && line) continue;
     total += Below(ply + 1, k, m, c, x);
@@ -389,8 +378,10 @@ int32_t Search(int32_t ply, Key reported) {
   return total;
 }
 
-// Whether the fast search models these settings exactly.
-bool Supported(int32_t depth) {
+// The settings the look-ahead is built for, which the game never leaves: the side is 1..19 by
+// the ranges of the stored settings, the depth 2, 4 or 6 by the level, and PlayTurn sets the
+// needs of the strategy (3, 2 or 4 equal pairs for a player) before every reply.
+[[maybe_unused]] bool Supported(int32_t depth) {
   const int32_t s = CellsPerSide();
   return s >= 1 && s <= kMaxSide && depth >= 2 && depth <= kPlies && RunNeeded[0] != 0 &&
          RunNeeded[1] >= 2 && RunNeeded[2] >= 2;
@@ -412,17 +403,13 @@ void SetUp(int32_t depth) {
   for (int32_t c = 1; c <= Board.Side; ++c) MaskColumn(c);
   UndoTop = 0;
   PathLength = 0;
-  FastTrials = 0;
-  if (++Stamp == 0) {  // after 2^32 replies the old stamps could match again
-    std::memset(Table, 0, sizeof Table);
-    Stamp = 1;
-  }
+  if (depth >= 5) std::memset(Table, 0, sizeof Table);  // only plies 3 to depth - 2 share
 }
 
 }  // namespace
 
-int32_t FastLookAhead(int32_t depth) {
-  if (!Supported(depth)) return PlainLookAhead(depth);
+int32_t LookAhead(int32_t depth) {
+  assert(Supported(depth));
   SetUp(depth);
   const Key root = RootKey();
   int32_t best = kForbidden, chosen = 0;
@@ -430,7 +417,6 @@ int32_t FastLookAhead(int32_t depth) {
     const int32_t c1 = Turn.ShuffledColumns[k];
     const int32_t x = c1 >= 1 && c1 <= Board.Side ? Board.Top[c1] : 0;
     const Key key = TrialKey(root, 2, x);
-    ++FastTrials;
     int32_t score = ValueOf(key) == 2 ? Board.Weight[1] : 0;
     score += Below(2, key, 2, c1, x);  // the first ply is never cut
     if (score < 0 && score < Turn.ColumnValue[c1]) Turn.ColumnValue[c1] = score;

@@ -5,6 +5,9 @@
 
 #include <cstdint>
 
+// The state before any seeding, as in a freshly started process.
+constexpr uint32_t kRandomStart = 1;
+
 extern uint32_t RandomState;
 
 inline void SeedRandom(uint32_t seed) {

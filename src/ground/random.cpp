@@ -1,8 +1,8 @@
-#include "shell/random.h"
+#include "ground/random.h"
 
 #include <ctime>
 
-uint32_t RandomState = 1;  // the C runtime's state before any seeding
+uint32_t RandomState = kRandomStart;
 
 void SeedRandomFromClock() {
   SeedRandom(static_cast<uint32_t>(std::time(nullptr)));
