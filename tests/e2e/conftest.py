@@ -4,7 +4,9 @@ start of the program per test (`game`). Set by the environment:
   KALVERO_EXE    the game (default: build/windows64/kalvero4.exe)
   KALVERO_PROBE  the probe, built for the same Windows (default: beside the default game)
   KALVERO_WINE   the command that runs a Windows program (default: wine)
-  KALVERO_SHOTS  a folder: keep the pictures each test takes there, in a folder of its own
+  WINESERVER     the Wine server that ends them (default: wineserver)
+  KALVERO_SHOTS  a folder: keep there, in a folder per test, the screen as it was before each
+                 key and click and, should the game still run, at the end (a failure's)
 """
 
 import os
@@ -44,19 +46,6 @@ def game(desktop, request, tmp_path):
     started = Game(desktop, tmp_path, Path(shots, request.node.name) if shots else None)
     yield started
     started.end()
-
-
-@pytest.hookimpl(hookwrapper=True)
-def pytest_runtest_makereport(item, call):
-    """A picture of the screen as it was when a test failed, while the game still runs."""
-    report = (yield).get_result()
-    started = getattr(item, "funcargs", {}).get("game")
-    if report.failed and call.when == "call" and started and started.process:
-        try:
-            started.screen().save(started.folder / "failure.png")
-            report.sections.append(("screen at the failure", str(started.folder / "failure.png")))
-        except OSError:  # the picture is a help, never a second failure
-            pass
 
 
 def pytest_sessionfinish(session, exitstatus):

@@ -160,10 +160,13 @@ class Desktop:
             raise EnvironmentFailure(f"{args} ended with status {done.returncode}: see "
                                      f"{self.root / 'wine.log'}")
 
+    def end_wine(self) -> None:
+        for args in ([WINESERVER, "-k"], [WINESERVER, "-w"]):  # every program of the prefix
+            subprocess.run(args, env=self.env, timeout=30, stderr=subprocess.DEVNULL)
+
     def close(self) -> None:
         if self.xvfb is not None:
-            for args in ([WINESERVER, "-k"], [WINESERVER, "-w"]):  # every program of the prefix
-                subprocess.run(args, env=self.env, timeout=30, stderr=subprocess.DEVNULL)
+            self.end_wine()
             self.xvfb.terminate()
             self.xvfb.wait(10)
         shutil.rmtree(self.root / "prefix", ignore_errors=True)
@@ -214,17 +217,21 @@ class Game:
         return self.start(save) and self.confirm(one_player)
 
     def end(self) -> None:
-        """Ends the program, should it still run. Its desktop closes by itself once empty, or
-        takes the next start in; Wine's own programs stay for it."""
+        """Ends the program, should it still run: its desktop then closes by itself, or takes
+        the next start in, and Wine's own programs stay for it. Failing that, ends all Wine."""
         if self.process is not None and not self.status.exists():
             self.shot()
             subprocess.run([*self.desktop.wine, "taskkill", "/f", "/im", self.desktop.exe.name],
                            env=self.desktop.env, timeout=30, capture_output=True)
-            self.exit_status()
+            try:
+                self.exit_status(10)
+            except AssertionError:
+                self.desktop.end_wine()
 
-    def exit_status(self) -> int:
+    def exit_status(self, timeout=20.0) -> int:
         status = self.status
-        return int(wait("the program's end", lambda: status.exists() and status.read_text()))
+        return int(wait("the program's end", lambda: status.exists() and status.read_text(),
+                        timeout))
 
     def saved(self) -> bytes:
         assert (self.work / SAVE_NAME).exists(), "no save file was written"

@@ -62,8 +62,8 @@ def in_place(board, x, y, colour) -> bool:
     """The piece of cell (x, y) lies within its 20 x 20 sprite, its colour at the middle."""
     inside, cell = (count(board, (30 * x + a, 30 * y + a, 30 * x + b, 30 * y + b),
                           lambda p: near(p, colour)) for a, b in ((6, 26), (1, 30)))
-    return inside >= 60 and cell == inside and near(board.getpixel((30 * x + 16, 30 * y + 16)),
-                                                    colour)
+    middle = board.getpixel((30 * x + 16, 30 * y + 16))
+    return inside >= 60 and cell == inside and near(middle, colour)
 
 
 SAVED = SaveFile.initial(BoardSize=15, NormalTitle=0, ShowImages=0, Level=1, AlwaysSquare=0,
