@@ -9,14 +9,16 @@
 //                 client: [width, height], origin: [x, y],
 //                 controls: [{id, text, rect, check?, selection?, items?}]}]}
 //
-// "cls" is the window class. Rectangles and origins are in desktop coordinates, texts in
-// UTF-8, in the order Windows lists them (front to back). "check" is a button's
-// check state, "selection" and "items" a list box's selected index and entries. Menus are not
-// described: Wine keeps them in the memory of the program that owns them.
+// Windows come front to back; "cls" is the class. Rectangles and origins are in desktop
+// coordinates, texts in UTF-8. "check" is a button's check state, "selection" and "items" a
+// list box's selected index and entries. Menus are not described: Wine keeps them in the
+// memory of the program that owns them.
 //
 // The probe only reads. It asks other programs through SendMessageTimeout, so a program that
 // is busy (a long computer move) leaves a text unread instead of stopping the probe. Both
 // files are written under a temporary name and renamed, so a reader never sees half of one.
+// The exit status is written by the probe because the desktop's explorer, which starts it,
+// does not hand on the status of what it starts.
 #include <windows.h>
 
 #include <cstdio>
@@ -161,7 +163,7 @@ std::string Window(HWND window) {
   return out + "]}";
 }
 
-bool WriteFile(const std::string& path, const std::string& text) {
+bool WriteAtOnce(const std::string& path, const std::string& text) {
   const std::string partial = path + ".part";
   std::FILE* file = std::fopen(partial.c_str(), "wb");
   if (file == nullptr) return false;
@@ -182,7 +184,7 @@ int Run(const char* status, const char* program) {
   WaitForSingleObject(process.hProcess, INFINITE);
   DWORD code = 0;
   GetExitCodeProcess(process.hProcess, &code);
-  return WriteFile(status, Number(code) + "\n") ? 0 : 1;
+  return WriteAtOnce(status, Number(code) + "\n") ? 0 : 1;
 }
 
 }  // namespace
@@ -207,5 +209,5 @@ int main(int argc, char** argv) {
     json += (first ? "\n  " : ",\n  ") + Window(window);
     first = false;
   }
-  return WriteFile(argv[2], json + "]}\n") ? 0 : 1;
+  return WriteAtOnce(argv[2], json + "]}\n") ? 0 : 1;
 }

@@ -140,7 +140,8 @@ def test_move_by_mouse_and_key(game):
     assert red(board) == 0, "'Challenge' is shown at Facile"
     game.key("3")
     _, pieces = wait_pieces(game, "the key's piece and the reply", {"green": 2, "red": 2})
-    assert [pieces.get((3, y)) for y in (6, 7)] == ["green", "green"] and resting(pieces)
+    greens = [y for (x, y), colour in pieces.items() if x == 3 and colour == "green"]
+    assert len(greens) == 2 and 7 in greens and resting(pieces)  # a reply may lie between
     game.key("9", "8", "0")  # no column of a 7-column board
     unchanged(game, pieces)
 
