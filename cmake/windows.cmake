@@ -27,9 +27,10 @@ if(KALVERO_WIN32_SOURCES AND EXISTS ${PROJECT_SOURCE_DIR}/src/resources/kalvero4
   kalvero_warnings(kalvero4)
 endif()
 
-# The end-to-end tests' look at the windows of a Wine desktop: a console program of its own,
-# not part of the game and not shipped with it.
-add_executable(kalvero4-probe ${PROJECT_SOURCE_DIR}/tests/e2e/probe_win32.cpp)
+# The end-to-end tests' look at the windows of a Wine desktop, and their launcher of the game:
+# a console program of its own, not part of the game and not shipped with it, so built only
+# when asked for (--target kalvero4-probe).
+add_executable(kalvero4-probe EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/e2e/probe_win32.cpp)
 target_link_libraries(kalvero4-probe PRIVATE user32)
 target_link_options(kalvero4-probe PRIVATE -static -static-libgcc -static-libstdc++)
 kalvero_warnings(kalvero4-probe)
