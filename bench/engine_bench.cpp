@@ -10,7 +10,7 @@
 
 #include "engine/engine.h"
 #include "engine/engine_state.h"
-#include "shell/random.h"
+#include "ground/random.h"
 
 namespace {
 

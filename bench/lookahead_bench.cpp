@@ -11,11 +11,11 @@
 #include <ctime>
 #include <vector>
 
+#include "ground/session.h"
 #include "opponents/fast_lookahead.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
 #include "opponents/turn.h"
-#include "shell/session.h"
 
 namespace {
 

@@ -4,13 +4,13 @@
 
 #include <cstring>
 
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
 #include "opponents/turn.h"
 #include "shell/process_state.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 
 namespace {
 

@@ -11,9 +11,9 @@
 
 #include "cases.h"
 #include "cli/driver.h"
+#include "ground/session.h"
 #include "opponents/roster.h"
 #include "shell/process_state.h"
-#include "shell/session.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "cases.h"
+#include "ground/session.h"
 #include "opponents/referee.h"
-#include "shell/session.h"
 
 std::string CheckSessionInvariants(bool border) {
   const SessionRecord& s = SessionState;

@@ -11,13 +11,15 @@
 
 #include "cases.h"
 #include "engine/engine.h"
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/roster.h"
 #include "render/frame_logic.h"
+#include "render/viewport.h"
 #include "shell/menu_logic.h"
 #include "shell/process_state.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 #include "shell/turnflow.h"
 
 namespace {

@@ -7,12 +7,13 @@
 #include <vector>
 
 #include "engine/engine.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "render/board_plan.h"
 #include "render/frame_logic.h"
 #include "resources/resource.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 #include "test_support.h"
 
 namespace {

@@ -10,10 +10,10 @@
 #include "dialogs/dialog_text.h"
 #include "dialogs/home_logic.h"
 #include "dialogs/stats_logic.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/texts.h"
 #include "opponents/roster.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-#include "shell/texts.h"
 #include "test_support.h"
 
 namespace {

@@ -11,7 +11,7 @@
 
 #include "engine/engine.h"
 #include "engine/engine_state.h"
-#include "shell/random.h"
+#include "ground/random.h"
 
 class EngineTest : public ::testing::Test {
  protected:

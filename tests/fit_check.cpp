@@ -1,19 +1,13 @@
 // The aspect fit as the Windows build computes it: every case of the host's fit table through
 // the real FitDestination, built with the Windows toolchain and run under Wine. It exists for
 // the 32-bit build, whose floating point may differ from the host's; exits 1 on a mismatch.
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "fit_cases.h"
+#include "ground/session.h"
 #include "render/viewport.h"
-#include "shell/platform.h"
-#include "shell/session.h"
-
-// The core's platform hooks, which the fit never reaches; the program only has to link.
-void RequestRepaint() {}
-void EndMessageLoop(int32_t) {}
-int32_t AskUser(const char*, const char*, uint32_t) {
-  return kAnswerOk;
-}
 
 int main() {
   int mismatches = 0;
@@ -25,14 +19,11 @@ int main() {
     const int32_t got[] = {Viewport.DisplayWidth, Viewport.DisplayHeight, MarginLeft(),
                            MarginTop()};
     const int32_t want[] = {c.destW, c.destH, c.offX, c.offY};
-    for (int i = 0; i < 4; ++i) {
-      if (got[i] == want[i]) continue;
-      std::printf("%dx%d in %dx%d: picture %dx%d at (%d,%d), expected %dx%d at (%d,%d)\n", c.W,
-                  c.H, c.clientW, c.clientH, got[0], got[1], got[2], got[3], want[0], want[1],
-                  want[2], want[3]);
-      ++mismatches;
-      break;
-    }
+    if (std::equal(std::begin(got), std::end(got), std::begin(want))) continue;
+    std::printf("%dx%d in %dx%d: picture %dx%d at (%d,%d), expected %dx%d at (%d,%d)\n", c.W, c.H,
+                c.clientW, c.clientH, got[0], got[1], got[2], got[3], want[0], want[1], want[2],
+                want[3]);
+    ++mismatches;
   }
   const int cases = static_cast<int>(sizeof kFitCases / sizeof kFitCases[0]);
   std::printf("fit check (%d-bit): %d of %d cases as on the host\n",

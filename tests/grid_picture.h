@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "ground/session.h"
 #include "opponents/referee.h"
-#include "shell/session.h"
 
 inline void SetGrid(const std::vector<std::string>& rows) {
   GridClear();

@@ -13,12 +13,13 @@
 #include <string>
 
 #include "grid_picture.h"
+#include "ground/random.h"
+#include "ground/savefile.h"
 #include "opponents/fast_lookahead.h"
+#include "opponents/new_game.h"
 #include "opponents/openings.h"
 #include "opponents/roster.h"
 #include "opponents/turn.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
 #include "test_support.h"
 
 namespace {

@@ -4,12 +4,13 @@
 
 #include <string>
 
+#include "ground/platform.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/texts.h"
+#include "opponents/new_game.h"
 #include "resources/resource.h"
 #include "shell/menu_logic.h"
-#include "shell/platform.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-#include "shell/texts.h"
 #include "shell/window_logic.h"
 #include "test_support.h"
 

@@ -4,8 +4,8 @@
 
 #include <cstring>
 
-#include "shell/random.h"
-#include "shell/texts.h"
+#include "ground/random.h"
+#include "ground/texts.h"
 
 namespace {
 

@@ -12,10 +12,11 @@
 #include <string>
 #include <vector>
 
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/texts.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-#include "shell/texts.h"
 #include "test_support.h"
 
 namespace {

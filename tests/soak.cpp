@@ -29,9 +29,9 @@
 
 #include "cases.h"
 #include "cli/driver.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
 #include "opponents/roster.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 
 namespace {
 

@@ -15,11 +15,13 @@
 
 #include "cases.h"
 #include "dialogs/stats_logic.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/roster.h"
 #include "render/board_plan.h"
 #include "render/frame_logic.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
+#include "render/viewport.h"
 #include "shell/turnflow.h"
 #include "test_support.h"
 

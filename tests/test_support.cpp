@@ -1,6 +1,6 @@
 #include "test_support.h"
 
-#include "shell/platform.h"
+#include "ground/platform.h"
 #include "shell/process_state.h"
 
 FakePlatformRecord FakePlatform;

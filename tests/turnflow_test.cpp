@@ -10,12 +10,14 @@
 
 #include "engine/engine.h"
 #include "grid_picture.h"
+#include "ground/platform.h"
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/texts.h"
 #include "opponents/bridge.h"
+#include "opponents/new_game.h"
 #include "render/frame_logic.h"
-#include "shell/platform.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/texts.h"
+#include "render/viewport.h"
 #include "shell/turnflow.h"
 #include "test_support.h"
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "fit_cases.h"
+#include "ground/session.h"
 #include "render/viewport.h"
-#include "shell/session.h"
 #include "shell/turnflow.h"
 #include "test_support.h"
 

@@ -11,14 +11,16 @@
 
 #include "cli/platform_cli.h"
 #include "engine/engine.h"
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/texts.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "render/frame_logic.h"
+#include "render/viewport.h"
 #include "shell/menu_logic.h"
 #include "shell/process_state.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-#include "shell/texts.h"
 #include "shell/turnflow.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "shell/platform.h"
-#include "shell/texts.h"
+#include "ground/platform.h"
+#include "ground/texts.h"
 
 DriverPlatformRecord DriverPlatform;
 

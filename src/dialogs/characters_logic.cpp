@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "dialogs/dialog_text.h"
+#include "ground/session.h"
 #include "opponents/roster.h"
-#include "shell/session.h"
 
 int32_t ReadStrategyNumber(const char* text) {
   char firstTwo[3] = {};

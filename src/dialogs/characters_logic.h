@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "shell/texts.h"
+#include "ground/texts.h"
 
 inline constexpr int32_t kNameCharacters = 24;
 

@@ -5,11 +5,11 @@
 
 #include "dialogs/characters_logic.h"
 #include "dialogs/dialogs_win32.h"
+#include "ground/front_end_win32.h"
+#include "ground/session.h"
 #include "opponents/roster.h"
 #include "render/graphics_win32.h"
 #include "resources/resource.h"
-#include "shell/front_end_win32.h"
-#include "shell/session.h"
 
 namespace {
 

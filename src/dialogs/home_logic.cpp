@@ -1,8 +1,8 @@
 #include "dialogs/home_logic.h"
 
 #include "dialogs/dialog_text.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "shell/texts.h"
+#include "ground/texts.h"
 
 inline constexpr auto kChallengeMessage =
     Cp1252("Le challenge n'est applicable qu'en mode 1 joueur dur.");

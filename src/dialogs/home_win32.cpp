@@ -5,8 +5,8 @@
 
 #include "dialogs/dialogs_win32.h"
 #include "dialogs/home_logic.h"
+#include "ground/session.h"
 #include "resources/resource.h"
-#include "shell/session.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
-#include "shell/savefile.h"
-#include "shell/session.h"
-#include "shell/texts.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/texts.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "opponents/bridge.h"
 
 #include "engine/engine.h"
+#include "ground/session.h"
 #include "opponents/referee.h"
-#include "shell/session.h"
 
 void GridFromEngine() {
   SessionState.RepaintAgain = 1;

@@ -4,9 +4,9 @@
 #include <bit>
 #include <cstring>
 
+#include "ground/session.h"
 #include "opponents/roster.h"
 #include "opponents/turn.h"
-#include "shell/session.h"
 
 FastLookAheadSettings FastSettings;
 int64_t FastTrials;

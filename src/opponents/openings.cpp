@@ -1,8 +1,8 @@
 #include "opponents/openings.h"
 
+#include "ground/session.h"
 #include "opponents/referee.h"
 #include "opponents/turn.h"
-#include "shell/session.h"
 
 int32_t PlannedColumn = 0;
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "shell/session.h"
+#include "ground/session.h"
 
 uint8_t Grid[kGridSide][kGridSide];
 int32_t RunNeeded[3];

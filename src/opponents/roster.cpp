@@ -1,6 +1,6 @@
 #include "opponents/roster.h"
 
-#include "shell/texts.h"
+#include "ground/texts.h"
 
 namespace {
 

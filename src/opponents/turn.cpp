@@ -2,12 +2,13 @@
 
 #include <cstring>
 
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
 #include "opponents/fast_lookahead.h"
+#include "opponents/new_game.h"
 #include "opponents/openings.h"
 #include "opponents/roster.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 
 TurnWork Turn;
 

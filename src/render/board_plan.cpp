@@ -3,11 +3,12 @@
 #include <cstdio>
 
 #include "engine/engine.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
 #include "resources/resource.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 
 // clang-format off
 const PixelSize PortraitSizes[14] = {

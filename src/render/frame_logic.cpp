@@ -3,13 +3,14 @@
 #include <cstdio>
 
 #include "engine/engine.h"
+#include "ground/platform.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "ground/texts.h"
 #include "opponents/bridge.h"
+#include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
-#include "shell/platform.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-#include "shell/texts.h"
 
 namespace {
 

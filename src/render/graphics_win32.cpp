@@ -1,11 +1,12 @@
 #include "render/graphics_win32.h"
 
+#include "ground/front_end_win32.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "render/board_plan.h"
 #include "render/viewport.h"
 #include "resources/resource.h"
-#include "shell/front_end_win32.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 
 GraphicsRecord Graphics;
 

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
-#include "shell/session.h"
-#include "shell/turnflow.h"
+#include "ground/session.h"
 
 ViewportRecord Viewport;
+int32_t MouseX = 0;
+int32_t MouseY = 0;
 
 bool SettleLogicalSize(int32_t clientWidth, int32_t clientHeight) {
   SessionRecord& s = SessionState;

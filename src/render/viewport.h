@@ -31,6 +31,10 @@ struct ViewportRecord {
 
 extern ViewportRecord Viewport;
 
+// Logical position of the last pointer move, in LogicalSize coordinates.
+extern int32_t MouseX;
+extern int32_t MouseY;
+
 // Counts one window message. For the first messages after start or after a new board size
 // (SettleCounter below 10) the logical size follows the client area. Returns true exactly when
 // the counter passes from 9 to 10: the background surface must then be refilled at the settled

@@ -2,13 +2,13 @@
 // check marks of the menu, the accelerators and the message loop.
 #include <windows.h>
 
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
 #include "render/graphics_win32.h"
 #include "resources/resource.h"
-#include "shell/front_end_win32.h"
 #include "shell/menu_logic.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
+#include "shell/shell_win32.h"
 
 namespace {
 

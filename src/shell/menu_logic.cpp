@@ -2,9 +2,10 @@
 
 #include <iterator>
 
+#include "ground/platform.h"
+#include "ground/savefile.h"
+#include "opponents/new_game.h"
 #include "resources/resource.h"
-#include "shell/platform.h"
-#include "shell/savefile.h"
 
 namespace {
 

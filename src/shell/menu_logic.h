@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
-#include "shell/session.h"
-#include "shell/texts.h"
+#include "ground/session.h"
+#include "ground/texts.h"
 
 inline constexpr auto kDiscreetNotice =
     Cp1252("Les changements seront pris en compte à la prochaine ouverture du programme.");

@@ -3,10 +3,10 @@
 #include <windows.h>
 
 #include "dialogs/dialogs_win32.h"
+#include "ground/session.h"
 #include "resources/resource.h"
-#include "shell/front_end_win32.h"
 #include "shell/menu_logic.h"
-#include "shell/session.h"
+#include "shell/shell_win32.h"
 
 namespace {
 

@@ -2,19 +2,20 @@
 
 #include <cstring>
 
+#include "ground/random.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/openings.h"
 #include "opponents/referee.h"
 #include "opponents/turn.h"
 #include "render/viewport.h"
-#include "shell/random.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
 #include "shell/turnflow.h"
 
 void ResetProcessState() {
   EndEngineGame();
   ResetSessionState();
-  ResetTurnFlow();
+  MouseX = MouseY = 0;
   Viewport = ViewportRecord{};
   GridClear();
   std::memset(RunNeeded, 0, sizeof RunNeeded);

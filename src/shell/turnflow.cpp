@@ -1,14 +1,13 @@
 #include "shell/turnflow.h"
 
 #include "engine/engine.h"
+#include "ground/platform.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
+#include "opponents/new_game.h"
 #include "opponents/roster.h"
 #include "opponents/turn.h"
-#include "shell/platform.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
-
-int32_t MouseX = 0;
-int32_t MouseY = 0;
+#include "render/viewport.h"
 
 // A level outside 0..2 cannot survive loading, but would search at the shallowest depth.
 int32_t EngineSearchDepth() {
@@ -63,8 +62,4 @@ void CloseSession(int32_t section) {
   if (s.GameStarted != 0 && s.GameResult == 0 && s.QuitByMenu == 0) CountLoss(section);
   WriteSaveFile();
   EndMessageLoop(0);
-}
-
-void ResetTurnFlow() {
-  MouseX = MouseY = 0;
 }

@@ -4,10 +4,6 @@
 
 #include <cstdint>
 
-// Logical position of the last pointer move, in LogicalSize coordinates.
-extern int32_t MouseX;
-extern int32_t MouseY;
-
 // Plays the human's move at logical x for the current opponent, or starts a new game when the
 // last one is over; then asks for a repaint.
 void PlayAt(int32_t x);
@@ -26,6 +22,3 @@ void CloseSession(int32_t section);
 
 // The engine's search depth for the current settings: 2, 4 or 6 by level, 8 in challenge mode.
 int32_t EngineSearchDepth();
-
-// Pointer position back to the start of the process.
-void ResetTurnFlow();

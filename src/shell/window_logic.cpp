@@ -1,8 +1,8 @@
 #include "shell/window_logic.h"
 
+#include "ground/platform.h"
+#include "ground/session.h"
 #include "render/frame_logic.h"
-#include "shell/platform.h"
-#include "shell/session.h"
 #include "shell/turnflow.h"
 
 bool MessagePassesHomeDialog(bool isRepaint) {

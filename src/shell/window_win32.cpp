@@ -3,14 +3,14 @@
 
 #include "dialogs/dialogs_win32.h"
 #include "dialogs/home_logic.h"
+#include "ground/platform.h"
+#include "ground/savefile.h"
+#include "ground/session.h"
 #include "render/frame_logic.h"
 #include "render/graphics_win32.h"
 #include "render/viewport.h"
 #include "resources/resource.h"
-#include "shell/front_end_win32.h"
-#include "shell/platform.h"
-#include "shell/savefile.h"
-#include "shell/session.h"
+#include "shell/shell_win32.h"
 #include "shell/turnflow.h"
 #include "shell/window_logic.h"
 

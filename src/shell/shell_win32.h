@@ -1,19 +1,12 @@
-// The Windows front end's own record and the entry points that its files share. Only the
-// *_win32.cpp files include this header.
+// The entry points that the shell's Windows files share. Only the *_win32.cpp files include
+// this header.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
 
-struct FrontEndRecord {
-  HINSTANCE Instance = nullptr;
-  HWND MainWindow = nullptr;
-  bool BuffersCreated = false;  // the first repaint has created the off-screen surfaces
-  bool Destroying = false;      // the main window is being destroyed: never destroy it twice
-};
-
-extern FrontEndRecord FrontEnd;
+#include "ground/front_end_win32.h"
 
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 

@@ -1,4 +1,4 @@
-#include "shell/texts.h"
+#include "ground/texts.h"
 
 std::string ToUtf8(const char* cp1252) {
   std::string out;

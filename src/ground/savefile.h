@@ -45,16 +45,6 @@ void WriteSaveFile(const char* path = kSaveFileName);
 // Counts one abandoned game as lost in the record of a section.
 void CountLoss(int32_t section);
 
-// Counts the game that ends (its result in the record of the current settings) and starts the
-// next one: game fields reset, board cleared, engine restarted, one game played counted.
-void NewGame();
-
-// Whether NewGame has started an engine game: before the first game there is none to play on.
-bool EngineGameOpen();
-
-// Gives back the engine's game if one is open (tests and the driver's end).
-void EndEngineGame();
-
 // Replaces every stored setting that lies outside its range by its initial value. Values
 // outside the ranges can only come from a damaged file (or a driver script); taking them as
 // read would index the roster and the boards out of bounds.

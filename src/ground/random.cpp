@@ -1,4 +1,4 @@
-#include "shell/random.h"
+#include "ground/random.h"
 
 #include <ctime>
 

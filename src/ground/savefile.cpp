@@ -1,22 +1,18 @@
-#include "shell/savefile.h"
+#include "ground/savefile.h"
 
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <string>
 
-#include "engine/engine.h"
-#include "opponents/referee.h"
-#include "shell/platform.h"
-#include "shell/session.h"
-#include "shell/texts.h"
+#include "ground/platform.h"
+#include "ground/session.h"
+#include "ground/texts.h"
 
 int32_t SettingsBlock[kSettingsSlots];
 StatsRecord StatsTable[kStatsRecords];
 
 namespace {
-
-bool EngineReady = false;
 
 constexpr auto kWriteFailure = Cp1252(
     "Impossible d'écrire le fichier de sauvegarde.\nCelui-ci pourrait être déjà utilisé par "
@@ -175,33 +171,4 @@ void WriteSaveFile(const char* path) {
 
 void CountLoss(int32_t section) {
   if (StatsRecord* r = StatsRecordAt(section)) ++r->Lost;
-}
-
-void NewGame() {
-  SessionRecord& s = SessionState;
-  s.CurrentPlayer = 1;
-  s.PendingTurn = 1;
-  s.EngineSideToMove = 1;
-  StatsRecord* record = StatsRecordAt(StatsSection());
-  if (record != nullptr) {
-    if (s.GameResult == 1) ++record->Won;
-    if (s.GameResult == 2) ++record->Lost;
-  }
-  s.GameResult = 0;
-  if (record != nullptr) ++record->Played;
-  GridClear();
-  EndEngineGame();
-  EngineStart(8, 7, 4);
-  EngineReady = true;
-  s.GameStarted = 0;
-  s.CeilingStruck = 0;
-}
-
-bool EngineGameOpen() {
-  return EngineReady;
-}
-
-void EndEngineGame() {
-  if (EngineReady) EngineRelease();
-  EngineReady = false;
 }

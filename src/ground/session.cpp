@@ -1,4 +1,4 @@
-#include "shell/session.h"
+#include "ground/session.h"
 
 SessionRecord SessionState;
 char TextBuffer[kTextBufferSize];
