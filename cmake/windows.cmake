@@ -42,3 +42,12 @@ add_executable(kalvero4-repaint-probe EXCLUDE_FROM_ALL
 target_link_libraries(kalvero4-repaint-probe PRIVATE user32)
 target_link_options(kalvero4-repaint-probe PRIVATE -static -static-libgcc -static-libstdc++)
 kalvero_warnings(kalvero4-repaint-probe)
+
+# The aspect fit computed by this build, compared with the host's table (tests/fit_cases.h);
+# tools/test runs it under 32-bit Wine. A console program for the tests only: built on demand
+# (cmake --build --preset windows --target kalvero4-fit-check), never shipped.
+add_executable(kalvero4-fit-check EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/fit_check.cpp)
+target_link_libraries(kalvero4-fit-check PRIVATE kalvero_core)
+target_include_directories(kalvero4-fit-check PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+target_link_options(kalvero4-fit-check PRIVATE -static -static-libgcc -static-libstdc++)
+kalvero_warnings(kalvero4-fit-check)
