@@ -4,26 +4,23 @@ damaged, and short driver scripts that reach every strategy and command. Run it 
 changing it; the fuzzers add their own finds beside these files. With --check it writes nothing
 and fails when a committed seed is not what it would write."""
 import os
-import struct
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "tests"))
+from savefile_layout import COUNTERS, DEFAULT_NAME, SaveFile  # noqa: E402
 
 
-def content(slots=None, stats=None, name=b"<Votre nom>"):
-    block = [0] * 99
-    block[:11] = [8, 1, 0, 0, 1, 1, 0, 0, 0, 1, 1]
+def stored(slots=None, stats=None, name=DEFAULT_NAME):
+    """A save file as on disk: the initial settings with `slots` changed (by slot index), the
+    counters of `stats` set (by index in the table of all counters), and the name."""
+    save = SaveFile.initial()
+    save.name = name
     for k, v in (slots or {}).items():
-        block[k] = v
-    table = [0] * 360
+        save.settings[k] = v
     for k, v in (stats or {}).items():
-        table[k] = v
-    data = struct.pack("<99i", *block) + struct.pack("<360H", *table)
-    return data + name[:26].ljust(26, b"\0")
-
-
-def stored(data):
-    return data.replace(b"\n", b"\r\n")
+        save.stats[k // COUNTERS][k % COUNTERS] = v
+    return save.stored()
 
 
 def write(folder, name, data):
@@ -42,31 +39,31 @@ STALE = []
 
 
 SAVES = {
-    "default": stored(content(stats={0: 1})),
-    "line-ends": stored(content({0: 10, 3: 2, 20: 0x0D0A1A0D}, {6: 0x0A0A, 7: 26, 359: 0x0D0A})),
-    "lone-cr-and-eof-byte": stored(content({0: 13, 6: 3}, {0: 0x0D1A, 1: 0x1A0D})),
+    "default": stored(stats={0: 1}),
+    "line-ends": stored({0: 10, 3: 2, 20: 0x0D0A1A0D}, {6: 0x0A0A, 7: 26, 359: 0x0D0A}),
+    "lone-cr-and-eof-byte": stored({0: 13, 6: 3}, {0: 0x0D1A, 1: 0x1A0D}),
     "empty": b"",
-    "short-in-slot-10": stored(content({0: 12, 6: 5}))[:40],
-    "short-in-record-0": stored(content({0: 12, 6: 5}, {0: 7}))[:398],
-    "short-in-name": stored(content(name=b"Abc"))[:1120],
-    "long": stored(content({0: 9, 4: 2})) + b"\n" * 2000,
-    "out-of-range": stored(content({0: 99, 1: 5, 2: -1, 3: 7, 4: 3, 5: 2, 6: -3, 7: 9, 8: 200,
-                                    9: 4, 10: 2})),
-    "extremes": stored(content({0: -2**31, 3: 2**31 - 1, 6: 2**31 - 1, 8: -2**31})),
-    "name-without-zero": stored(content(name=b"Z" * 26)),
-    "two-players-strategy-13": stored(content({4: 2, 6: 13, 3: 2})),
-    "two-players-section-3": stored(content({4: 2, 3: 2}, {58 * 6: 4, 58 * 6 + 1: 2})),
-    "board-2": stored(content({0: 2, 3: 2, 6: 1})),
-    "board-20-normal": stored(content({0: 20, 3: 1, 6: 9, 8: 13})),
-    "board-20-challenge": stored(content({0: 20, 3: 2, 7: 1, 6: 4})),
-    "ceiling-board-4": stored(content({0: 5, 3: 1, 6: 6, 8: 6})),
-    "three-in-a-row": stored(content({0: 6, 3: 2, 6: 3, 8: 3})),
-    "five-in-a-row": stored(content({0: 11, 3: 1, 6: 11})),
-    "openings-dur": stored(content({0: 8, 3: 2, 6: 7, 8: 7})),
-    "surplus-normal": stored(content({0: 8, 3: 1, 6: 8})),
-    "engine-challenge": stored(content({0: 8, 3: 2, 7: 1, 6: 10, 8: 10})),
-    "engine-board-12": stored(content({0: 12, 3: 1, 6: 10})),
-    "upside-down-hidden": stored(content({0: 7, 3: 2, 6: 13, 8: 12, 1: 0})),
+    "short-in-slot-10": stored({0: 12, 6: 5})[:40],
+    "short-in-record-0": stored({0: 12, 6: 5}, {0: 7})[:398],
+    "short-in-name": stored(name=b"Abc")[:1120],
+    "long": stored({0: 9, 4: 2}) + b"\n" * 2000,
+    "out-of-range": stored({0: 99, 1: 5, 2: -1, 3: 7, 4: 3, 5: 2, 6: -3, 7: 9, 8: 200, 9: 4,
+                            10: 2}),
+    "extremes": stored({0: -2**31, 3: 2**31 - 1, 6: 2**31 - 1, 8: -2**31}),
+    "name-without-zero": stored(name=b"Z" * 26),
+    "two-players-strategy-13": stored({4: 2, 6: 13, 3: 2}),
+    "two-players-section-3": stored({4: 2, 3: 2}, {58 * 6: 4, 58 * 6 + 1: 2}),
+    "board-2": stored({0: 2, 3: 2, 6: 1}),
+    "board-20-normal": stored({0: 20, 3: 1, 6: 9, 8: 13}),
+    "board-20-challenge": stored({0: 20, 3: 2, 7: 1, 6: 4}),
+    "ceiling-board-4": stored({0: 5, 3: 1, 6: 6, 8: 6}),
+    "three-in-a-row": stored({0: 6, 3: 2, 6: 3, 8: 3}),
+    "five-in-a-row": stored({0: 11, 3: 1, 6: 11}),
+    "openings-dur": stored({0: 8, 3: 2, 6: 7, 8: 7}),
+    "surplus-normal": stored({0: 8, 3: 1, 6: 8}),
+    "engine-challenge": stored({0: 8, 3: 2, 7: 1, 6: 10, 8: 10}),
+    "engine-board-12": stored({0: 12, 3: 1, 6: 10}),
+    "upside-down-hidden": stored({0: 7, 3: 2, 6: 13, 8: 12, 1: 0}),
 }
 
 SCRIPTS = {

@@ -2,6 +2,7 @@
 // mapping of pointer positions.
 #include <vector>
 
+#include "fit_cases.h"
 #include "ground/session.h"
 #include "render/viewport.h"
 #include "test_support.h"
@@ -32,21 +33,7 @@ TEST_F(ViewportTest, LogicalSizeFollowsTheClientUntilTheTenthMessage) {
 }
 
 TEST_F(ViewportTest, FitKeepsTheAspectOnlyWhenAsked) {
-  struct Case {
-    int32_t W, H, square, clientW, clientH, destW, destH, offX, offY;
-  };
-  const Case cases[] = {
-      {400, 200, 0, 1000, 200, 1000, 200, 0, 0},   // stretched to the whole area
-      {400, 200, 1, 400, 200, 400, 200, 0, 0},     // exactly the logical size: unscaled
-      {400, 200, 1, 1000, 200, 401, 200, 299, 0},  // wider: one pixel more than the ratio
-      {400, 200, 1, 400, 600, 400, 200, 0, 200},   // taller: height from the width
-      {400, 300, 1, 800, 600, 800, 600, 0, 0},     // same aspect, larger
-      {350, 500, 1, 700, 1000, 700, 1000, 0, 0},   // a ratio that single precision rounds down
-      {285, 261, 1, 570, 300, 328, 300, 121, 0},
-      {400, 200, 1, 0, 0, 0, 0, 0, 0},  // minimised: nothing to divide by
-      {0, 0, 1, 300, 200, 300, 200, 0, 0},
-  };
-  for (const Case& c : cases) {
+  for (const FitCase& c : kFitCases) {
     Logical(c.W, c.H);
     SessionState.AlwaysSquare = c.square;
     FitDestination(c.clientW, c.clientH);

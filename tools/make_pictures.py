@@ -638,7 +638,7 @@ def pictures():
     for character in range(len(PORTRAITS)):
         files["portrait%d.bmp" % (30000 + character)] = portrait(character)
     small = game_icon(16)
-    files["kalvero4.ico"] = ico_file([game_icon(48), game_icon(32), small])
+    files["kalvero4.ico"] = ico_file([game_icon(32), small])  # 32 x 32 and 16 x 16, no other
     files["small.ico"] = ico_file([small])
     files["discreet.ico"] = ico_file([discreet_icon(16)])
     return files

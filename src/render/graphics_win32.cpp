@@ -4,6 +4,7 @@
 #include "ground/savefile.h"
 #include "ground/session.h"
 #include "opponents/new_game.h"
+#include "render/bitmap_table.h"
 #include "render/board_plan.h"
 #include "render/viewport.h"
 #include "resources/resource.h"
@@ -12,6 +13,10 @@ GraphicsRecord Graphics;
 
 namespace {
 
+// The memory surfaces holding the loaded pictures, by slot of the BitmapTable. Like every
+// graphic object they live until the process ends.
+HDC LoadedSurfaces[kBitmapSlots] = {};
+
 // A memory surface of the buffers' size, compatible with the window's.
 HDC CreateBufferSurface(HDC paint) {
   HDC surface = CreateCompatibleDC(paint);
@@ -19,9 +24,41 @@ HDC CreateBufferSurface(HDC paint) {
   return surface;
 }
 
+// A memory surface holding bitmap resource `resource` as the loader scales it to width x
+// height (0 x 0: the size it is stored at); null for a missing resource.
+HDC LoadBitmapSurface(HDC like, int32_t resource, int32_t width, int32_t height) {
+  HANDLE image = LoadImageA(FrontEnd.Instance, MAKEINTRESOURCEA(resource), IMAGE_BITMAP, width,
+                            height, LR_DEFAULTCOLOR);
+  if (image == nullptr) return nullptr;
+  HDC surface = CreateCompatibleDC(like);
+  SelectObject(surface, image);
+  return surface;
+}
+
+void ReleaseBitmapSurface(HDC surface) {
+  HGDIOBJ image = GetCurrentObject(surface, OBJ_BITMAP);
+  DeleteDC(surface);
+  DeleteObject(image);
+}
+
+// The background is one black pixel above one dark blue pixel, stretched into an upper and a
+// lower half. It is not loaded at the logical size: a loader may smooth what it enlarges (the
+// one under Wine stretches every bitmap of more than one bit per pixel in the halftone mode),
+// and the two flat halves would come out as a gradient from black to blue. So it is loaded at
+// its stored size and stretched here in the COLORONCOLOR mode, which repeats pixels and never
+// blends them. The other pictures keep the loader's scaling.
 void DrawBackgroundPicture() {
-  DrawResourceBitmap(Graphics.BackgroundBuffer, IDB_BACKGROUND, 0, 0, SessionState.LogicalWidth,
-                     SessionState.LogicalHeight, SRCCOPY);
+  HDC target = Graphics.BackgroundBuffer;
+  const int32_t width = SessionState.LogicalWidth;
+  const int32_t height = SessionState.LogicalHeight;
+  if (width <= 0 || height <= 0) return;
+  HDC source = LoadBitmapSurface(target, IDB_BACKGROUND, 0, 0);
+  if (source == nullptr) return;
+  BITMAP stored = {};
+  GetObjectA(GetCurrentObject(source, OBJ_BITMAP), sizeof stored, &stored);
+  SetStretchBltMode(target, COLORONCOLOR);
+  StretchBlt(target, 0, 0, width, height, source, 0, 0, stored.bmWidth, stored.bmHeight, SRCCOPY);
+  ReleaseBitmapSurface(source);
 }
 
 }  // namespace
@@ -40,15 +77,18 @@ void DrawResourceBitmap(HDC target, int32_t resource, int32_t x, int32_t y, int3
                         int32_t height, DWORD rop) {
   // A size of 0 would make the loader take the stored size; an empty area draws nothing.
   if (target == nullptr || width <= 0 || height <= 0) return;
-  HANDLE image = LoadImageA(FrontEnd.Instance, MAKEINTRESOURCEA(resource), IMAGE_BITMAP, width,
-                            height, LR_DEFAULTCOLOR);
-  if (image == nullptr) return;
-  HDC source = CreateCompatibleDC(target);
-  HGDIOBJ previous = SelectObject(source, image);
-  BitBlt(target, x, y, width, height, source, 0, 0, rop);
-  SelectObject(source, previous);
-  DeleteDC(source);
-  DeleteObject(image);
+  const BitmapSlot slot = FindBitmapSlot(resource, width, height);
+  if (slot.Index < 0) {
+    HDC source = LoadBitmapSurface(target, resource, width, height);
+    if (source == nullptr) return;
+    BitBlt(target, x, y, width, height, source, 0, 0, rop);
+    ReleaseBitmapSurface(source);
+    return;
+  }
+  HDC& source = LoadedSurfaces[slot.Index];
+  // A missing resource stays missing: its slot keeps no surface and draws nothing.
+  if (slot.Fresh) source = LoadBitmapSurface(target, resource, width, height);
+  if (source != nullptr) BitBlt(target, x, y, width, height, source, 0, 0, rop);
 }
 
 void FirstPaintSetup(HDC paint) {

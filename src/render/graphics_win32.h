@@ -23,8 +23,9 @@ extern GraphicsRecord Graphics;
 // The font, the brushes and the wait cursor; before the main window exists.
 void CreateGraphicResources();
 
-// Draws bitmap resource `resource`, loaded at width x height, at (x, y) of `target` with the
-// raster operation `rop`. Loaded afresh at every call; a missing resource draws nothing.
+// Draws bitmap resource `resource`, as the loader scales it to width x height, at (x, y) of
+// `target` with the raster operation `rop`. Each picture is loaded once per size and kept; a
+// missing resource draws nothing.
 void DrawResourceBitmap(HDC target, int32_t resource, int32_t x, int32_t y, int32_t width,
                         int32_t height, DWORD rop);
 

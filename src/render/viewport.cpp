@@ -30,15 +30,19 @@ void FitDestination(int32_t clientWidth, int32_t clientHeight) {
   // An empty side has no aspect ratio to keep (a minimised window, or one that settled while
   // minimised): the picture then simply fills the client area.
   if (w <= 0 || h <= 0 || clientWidth <= 0 || clientHeight <= 0) return;
-  // The ratio is held in single precision and the widened width gets one pixel more; both are
-  // part of the rule, so the comparisons are made in single precision as well.
+  // The ratio is rounded to single precision once, and that rounding is part of the rule: the
+  // widened width is client height x r + 1 with r as a float, the product and the sum taken in
+  // double and then truncated. Nothing else is rounded to single precision: the quotients of
+  // the comparisons are taken in double, where they are exact enough that no rounding can turn
+  // an equality into an inequality or back (a product in float would: 345 x 350 in a 700 x
+  // 700 client must give 690, not 691).
   const float r = static_cast<float>(w) / static_cast<float>(h);
-  if (static_cast<float>(clientWidth) / static_cast<float>(clientHeight) > r) {
-    Viewport.DisplayWidth = static_cast<int32_t>(static_cast<float>(clientHeight) * r + 1.0);
+  if (static_cast<double>(clientWidth) / clientHeight > static_cast<double>(r)) {
+    Viewport.DisplayWidth =
+        static_cast<int32_t>(static_cast<double>(clientHeight) * static_cast<double>(r) + 1.0);
   }
   const int32_t destW = Viewport.DisplayWidth;
-  if (static_cast<float>(clientHeight) / static_cast<float>(destW) >
-      static_cast<float>(h) / static_cast<float>(w)) {
+  if (static_cast<double>(clientHeight) / destW > static_cast<double>(h) / w) {
     Viewport.DisplayHeight = static_cast<int32_t>(static_cast<int64_t>(destW) * h / w);
   }
 }

@@ -1,0 +1,53 @@
+// The table of loaded pictures: a picture is loaded once per size, and a full table still
+// lets every picture be drawn.
+#include <gtest/gtest.h>
+
+#include "render/bitmap_table.h"
+
+namespace {
+
+struct Request {
+  int32_t Resource, Width, Height;
+  int32_t Index;
+  bool Fresh;
+};
+
+TEST(BitmapTableTest, EachPictureAtEachSizeIsLoadedOnce) {
+  BitmapTable = {};
+  const Request requests[] = {
+      {154, 20, 20, 0, true},     // the mask, first piece
+      {155, 20, 20, 1, true},     // the green sprite
+      {154, 20, 20, 0, false},    // the mask again, second piece
+      {152, 20, 20, 2, true},     //
+      {155, 20, 20, 1, false},    //
+      {30010, 23, 68, 3, true},   // a portrait stored at another size
+      {30010, 46, 136, 4, true},  // the same picture at its stored size is another one
+      {30010, 23, 69, 5, true},   // so is one pixel more
+      {152, 20, 20, 2, false},    //
+      {30010, 23, 68, 3, false},  //
+  };
+  for (const Request& r : requests) {
+    const BitmapSlot slot = FindBitmapSlot(r.Resource, r.Width, r.Height);
+    EXPECT_EQ(slot.Index, r.Index) << r.Resource << " " << r.Width << "x" << r.Height;
+    EXPECT_EQ(slot.Fresh, r.Fresh) << r.Resource << " " << r.Width << "x" << r.Height;
+  }
+  EXPECT_EQ(BitmapTable.Used, 6);
+}
+
+TEST(BitmapTableTest, AFullTableKeepsWhatItHoldsAndLoadsTheRestEachTime) {
+  BitmapTable = {};
+  for (int32_t i = 0; i < kBitmapSlots; ++i) {
+    ASSERT_EQ(FindBitmapSlot(30000 + i, 20, 20).Index, i);
+  }
+  for (int32_t repeat = 0; repeat < 2; ++repeat) {
+    const BitmapSlot extra = FindBitmapSlot(152, 20, 20);
+    EXPECT_EQ(extra.Index, -1);
+    EXPECT_FALSE(extra.Fresh);
+  }
+  const BitmapSlot last = FindBitmapSlot(30000 + kBitmapSlots - 1, 20, 20);
+  EXPECT_EQ(last.Index, kBitmapSlots - 1);
+  EXPECT_FALSE(last.Fresh);
+  EXPECT_EQ(BitmapTable.Used, kBitmapSlots);
+}
+
+}  // namespace
