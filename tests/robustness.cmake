@@ -13,7 +13,7 @@ kalvero_warnings(kalvero4-soak)
 add_test(NAME soak.short COMMAND kalvero4-soak 300)
 set_tests_properties(soak.short PROPERTIES TIMEOUT 300)
 
-# The corpus's seeds are committed as fuzz/make_corpus.py writes them.
+# The corpus's seeds are committed as tools/make_corpus.py writes them.
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 add_test(NAME fuzz_seeds_up_to_date
-         COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/fuzz/make_corpus.py --check)
+         COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tools/make_corpus.py --check)

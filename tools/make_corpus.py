@@ -7,7 +7,7 @@ import os
 import sys
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-sys.path.insert(0, os.path.join(HERE, "..", "tests"))
+sys.path.insert(0, os.path.join(HERE, "..", "tests"))  # the save-file layout
 from savefile_layout import COUNTERS, DEFAULT_NAME, SaveFile  # noqa: E402
 
 
@@ -24,7 +24,7 @@ def stored(slots=None, stats=None, name=DEFAULT_NAME):
 
 
 def write(folder, name, data):
-    path = os.path.join(HERE, "corpus", folder, name)
+    path = os.path.join(HERE, "..", "fuzz", "corpus", folder, name)
     if CHECK:
         if not os.path.isfile(path) or open(path, "rb").read() != data:
             STALE.append(path)
@@ -106,4 +106,4 @@ for name, text in SCRIPTS.items():
 for path in STALE:
     print("out of date: " + path)
 if STALE:
-    sys.exit("run fuzz/make_corpus.py and commit its output")
+    sys.exit("run tools/make_corpus.py and commit its output")
