@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "dialogs/dialogs_win32.h"
+#include "dialogs/home_logic.h"
 #include "ground/session.h"
 #include "resources/resource.h"
 #include "shell/menu_logic.h"
@@ -25,6 +26,17 @@ void HomeCommand(HWND window, int32_t section) {
 }
 
 }  // namespace
+
+void RunSettingsDialogs(HWND owner) {
+  OpenDialog(owner, IDD_HOME, HomeDialogProc);
+  if (CharactersDialogFollows()) {
+    OpenDialog(owner, IDD_CHARACTERS, CharactersDialogProc);
+  }
+}
+
+void ResizeMainWindow(HWND window, int32_t width, int32_t height) {
+  SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+}
 
 bool HandleMenuCommand(HWND window, int32_t command, int32_t section) {
   if (const MenuToggle* toggle = FindMenuToggle(command)) {

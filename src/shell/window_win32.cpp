@@ -1,8 +1,6 @@
 // The main window's handler, and the three services the portable core asks of the platform.
 #include <windows.h>
 
-#include "dialogs/dialogs_win32.h"
-#include "dialogs/home_logic.h"
 #include "ground/platform.h"
 #include "ground/savefile.h"
 #include "ground/session.h"
@@ -26,18 +24,6 @@ void EndMessageLoop(int32_t code) {
 
 int32_t AskUser(const char* text, const char* title, uint32_t flags) {
   return MessageBoxA(FrontEnd.MainWindow, text, title, flags);
-}
-
-void RunSettingsDialogs(HWND owner) {
-  DialogBoxParamA(FrontEnd.Instance, MAKEINTRESOURCEA(IDD_HOME), owner, HomeDialogProc, 0);
-  if (CharactersDialogFollows()) {
-    DialogBoxParamA(FrontEnd.Instance, MAKEINTRESOURCEA(IDD_CHARACTERS), owner,
-                    CharactersDialogProc, 0);
-  }
-}
-
-void ResizeMainWindow(HWND window, int32_t width, int32_t height) {
-  SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
 }
 
 namespace {
