@@ -1,6 +1,5 @@
-// What the engine's tests share: a fixture with a fresh engine game of the game's size, pictures
-// of positions, copies of the current position, and values of positions: exact (unpruned) and
-// by the engine's search.
+// What the engine's tests share: a fresh 8 x 7 game per test, pictures of positions, copies of
+// the current position, and the exact value of a position by plain negamax.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -32,15 +31,13 @@ inline uint32_t SpreadSeed(uint32_t n) {
   return (n + 1) * 2654435761u;
 }
 
-// Plays a picture onto the base position, rows from the top, 'X' player 0, 'O' player 1, '.'
-// empty. Pieces go in row by row from the bottom, left to right, so the first line completed in
-// that order decides the winner.
+// Rows from the top, 'X' player 0, 'O' player 1, '.' empty; played row by row from the bottom,
+// left to right, so the first line completed in that order decides the winner.
 inline void PlayPicture(std::initializer_list<const char*> rowsFromTop) {
-  std::vector<const char*> rows(rowsFromTop);
-  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+  for (auto row = std::rbegin(rowsFromTop); row != std::rend(rowsFromTop); ++row) {
     for (int32_t c = 0; (*row)[c] != '\0'; ++c) {
       if ((*row)[c] == '.') continue;
-      ASSERT_TRUE(EnginePlay((*row)[c] == 'X' ? 0 : 1, c)) << "column " << c;
+      ASSERT_TRUE(EnginePlay((*row)[c] == 'X' ? 0 : 1, c)) << c;
     }
   }
 }
@@ -55,18 +52,14 @@ struct PositionCopy {
 
 inline PositionCopy CopyCurrentPosition() {
   const EngineState* s = Engine.PositionStack.Current;
-  PositionCopy copy{};
-  copy.cells.assign(s->cells[0], s->cells[0] + Engine.PlayableColumns * Engine.Height);
-  for (int32_t p = 0; p < 2; ++p) {
-    copy.lineScore[p].assign(s->lineScore[p], s->lineScore[p] + Engine.LineCount);
-    copy.scoreTotal[p] = s->scoreTotal[p];
-  }
-  copy.winner = s->winner;
-  return copy;
+  return {{s->cells[0], s->cells[0] + Engine.PlayableColumns * Engine.Height},
+          {{s->lineScore[0], s->lineScore[0] + Engine.LineCount},
+           {s->lineScore[1], s->lineScore[1] + Engine.LineCount}},
+          {s->scoreTotal[0], s->scoreTotal[1]},
+          s->winner};
 }
 
-// The value of the current position for p (who has just moved) by plain negamax without
-// cut-offs: the oracle against which the pruned search is checked.
+// The value of the current position for p (who has just moved) by negamax without cut-offs.
 inline int32_t ExactValue(int32_t p, int32_t depth) {
   const PositionStackRecord& stack = Engine.PositionStack;
   if (stack.Top == depth) return stack.Current->scoreTotal[p] - stack.Current->scoreTotal[1 - p];
@@ -74,21 +67,10 @@ inline int32_t ExactValue(int32_t p, int32_t depth) {
   for (int32_t c = 0; c < Engine.PlayableColumns; ++c) {
     PushPosition();
     if (DropPiece(1 - p, c) >= 0) {
-      const int32_t v =
-          stack.Current->winner == 1 - p ? kEngineInfinity - stack.Top : ExactValue(1 - p, depth);
-      best = std::max(best, v);
+      best = std::max(best, stack.Current->winner == 1 - p ? kEngineInfinity - stack.Top
+                                                           : ExactValue(1 - p, depth));
     }
     PopPosition();
   }
   return -best;
-}
-
-// The value for p of playing an open column on the current position, searched to depth by the
-// engine's own search with the widest bounds.
-inline int32_t MoveValue(int32_t p, int32_t column, int32_t depth) {
-  PushPosition();
-  DropPiece(p, column);
-  const int32_t v = SearchValue(p, depth, -kEngineInfinity, kEngineInfinity);
-  PopPosition();
-  return v;
 }

@@ -1,7 +1,6 @@
 // The look-ahead against a straightforward reference on random positions: the same chosen column
-// and the same ColumnValue entries. The reference plays every trial as the rule states it: put
-// the board back, drop, let the referee scan the whole board. KALVERO_DIFF_POSITIONS scales the
-// run (default 400 positions, a few seconds; the long run takes a few minutes):
+// and ColumnValue entries. The reference puts the board back, drops and lets the referee scan
+// the whole board for every trial. KALVERO_DIFF_POSITIONS scales the run (default 400):
 //   KALVERO_DIFF_POSITIONS=50000 build/native/tests/kalvero_tests --gtest_filter='LookAheadDiff*'
 #include <gtest/gtest.h>
 
@@ -59,20 +58,15 @@ int32_t ReferenceLookAhead(int32_t depth) {
   return chosen;
 }
 
-int32_t PositionsWanted() {
-  const char* text = std::getenv("KALVERO_DIFF_POSITIONS");
-  const int32_t n = text != nullptr ? std::atoi(text) : 0;
-  return n > 0 ? n : 400;
-}
-
 // One share of the run, in thousandths, at least one position.
 int32_t Share(int32_t perMille) {
-  return std::max(1, PositionsWanted() * perMille / 1000);
+  const char* text = std::getenv("KALVERO_DIFF_POSITIONS");
+  const int32_t n = text != nullptr && std::atoi(text) > 0 ? std::atoi(text) : 400;
+  return std::max(1, n * perMille / 1000);
 }
 
-// A random position of a game in progress on a side of s for strategy ai. Pieces cluster
-// around a column (so lines and threats are near), some columns are stacked full, players
-// sometimes move twice (lopsided counts), and unless `legal` lines may stay on the board.
+// A random position on a side of s for strategy ai: pieces cluster around a column, some columns
+// fill up, players sometimes move twice, and unless `legal` lines may stay on the board.
 void RandomPosition(std::mt19937& g, int32_t s, int32_t ai, bool legal) {
   GridClear();
   SessionState.BoardSize = s + 1;
@@ -84,10 +78,8 @@ void RandomPosition(std::mt19937& g, int32_t s, int32_t ai, bool legal) {
   int32_t player = 1 + static_cast<int32_t>(g() % 2), last = centre;
   for (int32_t i = 0; i < pieces; ++i) {
     int32_t c = last;
-    if (g() % 4 != 0) {
-      c = centre + std::uniform_int_distribution<int32_t>(-spread, spread)(g);
-      c = std::clamp(c, 1, s);
-    }
+    if (g() % 4 != 0)
+      c = std::clamp(centre + std::uniform_int_distribution<int32_t>(-spread, spread)(g), 1, s);
     SessionState.CurrentPlayer = player;
     std::memcpy(Turn.Snapshots[0], Grid, sizeof Grid);
     if (GridDrop(c) == 0) continue;
@@ -113,8 +105,7 @@ void RandomTurn(std::mt19937& g, int32_t s) {
   std::memcpy(Turn.Snapshots[0], Grid, sizeof Grid);
 }
 
-// One look-ahead from the current reply state: the column chosen, then the ColumnValue entries
-// of columns 1..s. Puts the reply state back afterwards.
+// One look-ahead: the column chosen, then ColumnValue[1..s]; the reply state is put back.
 std::vector<int32_t> Run(int32_t s, int32_t depth, bool reference) {
   int32_t saved[kGridSide];
   std::memcpy(saved, Turn.ColumnValue, sizeof saved);
@@ -127,21 +118,18 @@ std::vector<int32_t> Run(int32_t s, int32_t depth, bool reference) {
 
 // The deepest look the reference affords on a side (at most ~20000 trials).
 int32_t ReferenceDepthFor(int32_t s, std::mt19937& g) {
-  const int32_t depth = 2 * (1 + static_cast<int32_t>(g() % 3));
-  if (s <= 5) return depth;
-  return s <= 11 ? std::min(depth, 4) : 2;
+  return std::min(2 * (1 + static_cast<int32_t>(g() % 3)), s <= 5 ? 6 : s <= 11 ? 4 : 2);
 }
 
-// What the random positions covered: a line already reported at the root, a full column, a
-// look-ahead score that is not 0.
+// Positions with a line already on the board, with a full column, with a nonzero score.
 struct Coverage {
   int32_t Lined = 0, Full = 0, Scored = 0;
 };
 
 class LookAheadDiffTest : public CoreTest {};
 
-// Random positions of sides minSide..maxSide, every strategy in turn, at `depth` (0: every
-// depth the reference affords on the side); each disagreement is a failure.
+// Random positions of sides minSide..maxSide, every strategy in turn, at `depth` (0: as deep as
+// the reference affords).
 Coverage Compare(int32_t positions, int32_t minSide, int32_t maxSide, int32_t depth,
                  uint32_t seed) {
   std::mt19937 g(seed);
@@ -153,9 +141,7 @@ Coverage Compare(int32_t positions, int32_t minSide, int32_t maxSide, int32_t de
     RandomTurn(g, s);
     const int32_t d = depth != 0 ? depth : ReferenceDepthFor(s, g);
     const std::vector<int32_t> reference = Run(s, d, true), fast = Run(s, d, false);
-    bool full = false;
-    for (int32_t c = 1; c <= s; ++c) full = full || Grid[c][1] != 0;
-    covered.Full += full;
+    covered.Full += std::any_of(Grid + 1, Grid + s + 1, [](const auto& col) { return col[1]; });
     covered.Lined += GridFindWinner() != 0;
     covered.Scored += reference[0] != Turn.ShuffledColumns[0] ||
                       std::any_of(reference.begin() + 1, reference.end(),
@@ -173,8 +159,7 @@ Coverage Compare(int32_t positions, int32_t minSide, int32_t maxSide, int32_t de
 
 }  // namespace
 
-// The positions are worth comparing: lines already on the board, full columns and nonzero
-// scores all come up often (about 15%, 70% and 70% of the positions).
+// Lines on the board, full columns and nonzero scores come up often (about 15%, 70%, 70%).
 TEST_F(LookAheadDiffTest, SameAsTheReferenceOnEveryStrategyDepthAndSide) {
   const int32_t n = Share(800);
   const Coverage covered = Compare(n, 1, 19, 0, 1);
@@ -183,8 +168,7 @@ TEST_F(LookAheadDiffTest, SameAsTheReferenceOnEveryStrategyDepthAndSide) {
   EXPECT_GE(covered.Scored, n / 4);
 }
 
-// The game's own board with Challenge, and four plies on the big boards: a few hundred thousand
-// reference trials each.
+// Six plies on the game's own board, four on the big boards.
 TEST_F(LookAheadDiffTest, SameAsTheReferenceDeepOnLargerBoards) {
   Compare(Share(40), 7, 7, 6, 2);
   Compare(Share(5), 12, 19, 4, 3);
