@@ -1,13 +1,6 @@
-"""Fixtures of the end-to-end suite: one display and Wine prefix for the run (`desktop`), one
-start of the program per test (`game`). Set by the environment:
-
-  KALVERO_EXE    the game (default: build/windows64/kalvero4.exe)
-  KALVERO_PROBE  the probe, built for the same Windows (default: beside the default game)
-  KALVERO_WINE   the command that runs a Windows program (default: wine)
-  WINESERVER     the Wine server that ends them (default: wineserver)
-  KALVERO_SHOTS  a folder: keep there, in a folder per test, the screen as it was before each
-                 key and click and, should the game still run, at the end (a failure's)
-"""
+"""One Xvfb display and Wine prefix per run, one start of the program per test. Environment:
+KALVERO_EXE, KALVERO_PROBE (default: build/windows64), KALVERO_WINE (wine), WINESERVER
+(wineserver), KALVERO_SHOTS (a folder for each test's screens before every key and click)."""
 
 import os
 import shlex

@@ -1,12 +1,6 @@
-"""Kalvero 4 under Wine on a virtual X display, used as a person would. `Desktop`: one display
-(Xvfb) and one throw-away Wine prefix per run; the game runs in a Wine virtual desktop that
-fills the display, with frames and captions drawn as on Windows. `Game`: one start of the
-program in a fresh folder; the probe (a Win32 program) describes its windows, xdotool sends
-keys and clicks, Pillow takes pictures. Every wait is bounded.
-
-Board pictures are in the game's logical pixels: cell (x, y), x the column from the left and
-y the row from the top, spans (30x, 30y) to (30x + 30, 30y + 30); its sprite lies at
-(30x + 6, 30y + 6), 20 x 20."""
+"""Kalvero 4 under Wine on Xvfb, in a Wine virtual desktop: the probe describes its windows,
+xdotool sends keys and clicks, Pillow takes pictures; every wait is bounded. Board pictures are
+in logical pixels: cell (x, y) (column, row from the top) spans (30x, 30y) to (30x+30, 30y+30)."""
 
 import json
 import os
@@ -19,6 +13,7 @@ from collections import Counter
 from types import SimpleNamespace
 
 from PIL import Image, ImageGrab
+from savefile_layout import SaveFile
 
 DESKTOP, SIZE = "k4e2e", (1024, 768)
 MAIN, MENU = "Tovrelia", "#32768"  # window classes
@@ -40,7 +35,6 @@ def near(colour, target, tolerance=40) -> bool:
 
 
 def wait(what, condition, timeout=20.0):
-    """Polls condition() until it gives something true, and returns that."""
     limit = time.monotonic() + timeout
     while not (value := condition()):
         assert time.monotonic() < limit, f"timed out after {timeout:.0f} s waiting for {what}"
@@ -53,7 +47,6 @@ def windows_path(path) -> str:
 
 
 def colours(picture, box) -> Counter:
-    """The pixels of the box (left, top, right, bottom) of a picture, by colour."""
     area = picture.crop(box)
     return Counter({c: n for n, c in area.getcolors(area.width * area.height)})
 
@@ -63,7 +56,6 @@ def count(picture, box, wanted) -> int:
 
 
 def piece(board, x, y):
-    """The colour of the piece in cell (x, y), sprite or letter, or None."""
     found = Counter()
     for colour, n in colours(board, (30 * x + 2, 30 * y + 2, 30 * x + 29, 30 * y + 29)).items():
         found.update({k: n for k, p in PIECES.items() if near(colour, p)})
@@ -78,14 +70,12 @@ def mark(board, x, y):
 
 
 def cells(board, size, read=piece) -> dict:
-    """What read(x, y) finds in the cells of a board of size x size cells, where it finds it."""
     return {(x, y): f for y in range(1, size + 1) for x in range(1, size + 1)
             if (f := read(board, x, y))}
 
 
 def fit(client, logical, square: bool):
-    """Where the game puts its logical picture in the client area: (offX, offY, destW,
-    destH). With "Troujours carré" it keeps its aspect ratio, centred; else it fills all."""
+    """(offX, offY, destW, destH) of the picture: "Troujours carré" keeps its ratio, centred."""
     (cw, ch), (w, h) = client, logical
     dest_w, dest_h = cw, ch
     if square and (cw, ch) != (w, h):
@@ -97,7 +87,7 @@ def fit(client, logical, square: bool):
     return int((cw - dest_w) / 2), int((ch - dest_h) / 2), dest_w, dest_h
 
 
-class Window(SimpleNamespace):  # as the probe describes it: hwnd, cls, title, rect...
+class Window(SimpleNamespace):  # hwnd, owner, cls, title, enabled, rect, client, origin, controls
     def control(self, control_id):
         found = [c for c in self.controls if c.id == control_id]
         assert len(found) == 1, f"{self.title!r} has {len(found)} controls {control_id}"
@@ -105,9 +95,6 @@ class Window(SimpleNamespace):  # as the probe describes it: hwnd, cls, title, r
 
     def text(self, control_id) -> str:
         return self.control(control_id).text
-
-    def checks(self, *ids) -> list[int]:
-        return [self.control(i).check for i in ids]
 
     @property
     def size(self):
@@ -126,8 +113,7 @@ class Desktop:
             t for t in ("Xvfb", "xdotool", self.wine[0], WINESERVER) if not shutil.which(t)]
         if missing:
             raise EnvironmentFailure(f"missing: {missing} (build them, or run tools/setup)")
-        # -displayfd: the server takes a free display and writes its number, in pieces;
-        # -noreset: it does not start over, refusing clients, whenever its last client leaves.
+        # -displayfd: a free display, its number written; -noreset: no restart when clients leave.
         log, (read_end, write_end) = self.root / "xvfb.log", os.pipe()
         with open(log, "wb") as out:
             self.xvfb = subprocess.Popen(
@@ -135,21 +121,17 @@ class Desktop:
                  "-nolisten", "tcp", "-noreset"], pass_fds=(write_end,), stdout=out, stderr=out,
                 stdin=subprocess.DEVNULL)
         os.close(write_end)
-        number = b""
-        while b"\n" not in number and select.select([read_end], [], [], 20)[0]:
-            if not (part := os.read(read_end, 16)):
-                break
-            number += part
+        number = b""  # written in pieces; the end of the pipe ends it too
+        while not number.endswith(b"\n") and select.select([read_end], [], [], 20)[0]:
+            number += os.read(read_end, 16) or b"\n"
         os.close(read_end)
-        if b"\n" not in number:
+        if not number.strip().isdigit():
             raise EnvironmentFailure(f"Xvfb did not start: {log.read_text()[-800:]}")
         self.display = self.env["DISPLAY"] = f":{number.decode().strip()}"
-        # No Mono or Gecko installers while the prefix is made: the game needs neither.
         self.run([*self.wine, "wineboot", "-i"], 300, WINEDLLOVERRIDES="mscoree=d;mshtml=d")
 
     def run(self, args: list[str], timeout: float, **env) -> None:
-        """Runs a command to its end, its output into a file: Wine's daemons started by the
-        command would hold a pipe open."""
+        # Output to a file: Wine's daemons started by the command would hold a pipe open.
         with open(self.root / "wine.log", "ab") as log:
             try:
                 done = subprocess.run(args, env={**self.env, **env}, timeout=timeout, stdout=log,
@@ -180,13 +162,10 @@ class Game:
         self.work.mkdir()
 
     def start(self, save=None) -> Window:
-        """Starts the program with that save file (a SaveFile, bytes or none), waits for the
-        home dialog it opens by itself and brings it to the front: a new desktop gives no
-        window the keys. The probe starts the program and writes its exit status, which the
-        desktop's explorer does not hand on."""
+        """Starts the program on a save file (SaveFile, bytes, None); fronts its home dialog."""
         if save is not None:
             (self.work / SAVE_NAME).write_bytes(getattr(save, "stored", lambda: save)())
-        self.rest_pointer()
+        self.point(SIZE[0] - 5, SIZE[1] - 5)  # where it touches none of the game's windows
         d = self.desktop
         with open(self.folder / "wine.log", "ab") as log:
             self.process = subprocess.Popen(
@@ -202,8 +181,7 @@ class Game:
         return window
 
     def confirm(self, one_player=True) -> Window | None:
-        """Enter in the home dialog and, for one player, in the characters dialog, which it
-        returns as it was. Notes the picture's logical size once the main window takes input."""
+        """Enter in the home dialog and, for one player, the characters dialog (returned)."""
         self.key("Return")
         self.gone(HOME)
         characters = self.window(CHARACTERS) if one_player else None
@@ -217,8 +195,7 @@ class Game:
         return self.start(save) and self.confirm(one_player)
 
     def end(self) -> None:
-        """Ends the program, should it still run: its desktop then closes by itself, or takes
-        the next start in, and Wine's own programs stay for it. Failing that, ends all Wine."""
+        """Ends the program should it still run; failing that, all of Wine."""
         if self.process is not None and not self.status.exists():
             self.shot()
             subprocess.run([*self.desktop.wine, "taskkill", "/f", "/im", self.desktop.exe.name],
@@ -229,13 +206,11 @@ class Game:
                 self.desktop.end_wine()
 
     def exit_status(self, timeout=20.0) -> int:
-        status = self.status
-        return int(wait("the program's end", lambda: status.exists() and status.read_text(),
-                        timeout))
+        s = self.status
+        return int(wait("the program's end", lambda: s.exists() and s.read_text(), timeout))
 
-    def saved(self) -> bytes:
-        assert (self.work / SAVE_NAME).exists(), "no save file was written"
-        return (self.work / SAVE_NAME).read_bytes()
+    def saved(self) -> SaveFile:
+        return SaveFile.from_stored((self.work / SAVE_NAME).read_bytes())
 
     def windows(self) -> list[Window]:
         out = self.folder / "look.json"
@@ -250,7 +225,6 @@ class Game:
         return found[0] if found else None
 
     def window(self, title=None, cls=None, where=lambda w: True, what=None) -> Window:
-        """Waits for the window of that title or class for which where(window) holds."""
         return wait(what or f"the window {title or cls!r}",
                     lambda: (w := self.find(title, cls)) and where(w) and w)
 
@@ -261,14 +235,12 @@ class Game:
         return self.window(cls=MAIN, where=where, what=what)
 
     def screen(self, window=None):
-        """The screen, or the client area of a window."""
         picture = ImageGrab.grab(xdisplay=self.desktop.display)
         (x, y), (w, h) = (window.origin, window.client) if window else ((0, 0), SIZE)
         return picture.crop((x, y, x + w, y + h))
 
     def board(self, window=None):
-        """The main window's picture at its logical size: each logical pixel as shown at the
-        middle of its stretch."""
+        """The main window's picture at its logical size."""
         window = window or self.main()
         x, y, w, h = fit(window.client, self.logical, self.square)
         return self.screen(window).crop((x, y, x + w, y + h)).resize(self.logical, Image.NEAREST)
@@ -278,16 +250,13 @@ class Game:
         return wait(what, lambda: (b := self.board(window)) and condition(b) and b, timeout)
 
     def shot(self) -> None:
-        """Keeps a picture of the screen as it is before each key and click, when asked to."""
         if self.shots:
             self.shots.mkdir(parents=True, exist_ok=True)
             self.taken += 1
             self.screen().save(self.shots / f"{self.taken:03d}.png")
 
     def menu_marks(self, letter, entries) -> list[bool]:
-        """Opens a menu by Alt and its letter and reads which of its `entries` entries carry a
-        check mark, on the screen (Wine keeps menus where the probe cannot read them): the
-        entries share the popup's height evenly, a mark lies left of the texts."""
+        """Which of the menu's `entries` entries show a check mark on screen (evenly spaced)."""
         self.key(f"alt+{letter}")
         left, top, right, bottom = self.window(cls=MENU).rect
         shown = [self.screen()]  # the popup is shown before it is painted: wait until calm
@@ -320,28 +289,17 @@ class Game:
         self.click((left + right) // 2, (top + bottom) // 2)
 
     def click_board(self, window: Window, x, y) -> None:
-        """Clicks logical pixel (x, y) of the main window's picture."""
         (ox, oy), (w, h) = window.origin, self.logical
         off_x, off_y, dest_w, dest_h = fit(window.client, self.logical, self.square)
         self.click(ox + off_x + x * dest_w // w, oy + off_y + y * dest_h // h)
 
     def activate(self, window: Window) -> None:
-        """Clicks the window's caption, as a person does to bring it to the front."""
+        """Clicks the window's caption to bring it to the front."""
         self.click((window.rect[0] + window.rect[2]) // 2, window.rect[1] + 10)
 
-    def rest_pointer(self) -> None:
-        self.point(SIZE[0] - 5, SIZE[1] - 5)  # where it touches none of the game's windows
-
     def key(self, *keys: str) -> None:
-        """Presses keys one after another, by xdotool's names: "Return", "3", "alt+g"."""
         for k in keys:
             self.shot()
             self.xdotool("key", "--clearmodifiers", k)
             time.sleep(0.12)
 
-    def choose(self, *letters: str) -> None:
-        """Chooses a menu entry by Alt and the menu's letter, then the entries' letters."""
-        self.key(f"alt+{letters[0]}")
-        self.window(cls=MENU)
-        self.key(*letters[1:])
-        self.gone(cls=MENU)
