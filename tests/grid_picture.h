@@ -41,7 +41,6 @@ inline std::string GridPicture() {
   return picture;
 }
 
-// The same picture, one string per row.
 inline std::vector<std::string> GridRows() {
   std::vector<std::string> rows(1);
   for (const char symbol : GridPicture()) {

@@ -1,5 +1,4 @@
-// The decisions of the menu commands and of the main window's repaint: what is asked, what is
-// counted, the toggles and their check marks, the window sizes.
+// The menu commands and the main window's repaint: questions, counts, toggles, window sizes.
 #include <string>
 
 #include "ground/platform.h"
@@ -25,11 +24,9 @@ class MenuLogicTest : public CoreTest {
 
 const std::string kLose = "La partie sera perdue", kHome = "L'acceuil n'est accessible";
 
-// "&Recommencer", the home command and "&Quitter" on a game in each state: 0 nothing played,
-// 1 in progress, 2 decided.
 TEST_F(MenuLogicTest, CommandsAskOnlyForAGameInProgress) {
-  // Question: nullptr when nothing is asked. GoesOn: the home dialog follows, or the window is
-  // destroyed.
+  // Game: 0 nothing played, 1 in progress, 2 decided. Question: nullptr when nothing is asked.
+  // GoesOn: the home dialog follows, or the window is destroyed.
   // clang-format off
   enum Command { Restart, Home, Quit };
   struct Row { const char* Name; Command Which; int32_t Game, Answer; const std::string* Question;
@@ -85,31 +82,28 @@ TEST_F(MenuLogicTest, HomeCountsTheNextGameInTheNewSettingsAndResizesOnlyForANew
 
 TEST_F(MenuLogicTest, TogglesFlipTheirFlagAndCheckMark) {
   // clang-format off
-  struct Case { int32_t command; int32_t SessionRecord::*flag; int32_t before; bool checkedAfter;
-                int32_t repaints; };
-  // clang-format on
-  const Case cases[] = {
-      {ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, 1, false, 1},
-      {ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, 2, true, 1},   // a damaged 2 becomes -1,
-      {ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, -1, true, 1},  // both on, and back again
-      {ID_GRAPHICS_COLOURS, &SessionRecord::CustomColours, 0, true, 1},
-      {ID_GRAPHICS_SMOOTHING, &SessionRecord::Smoothing, 0, true, 1},
-      {ID_GRAPHICS_SQUARE, &SessionRecord::AlwaysSquare, 1, false, 1},
-      {ID_MENU_DISCREET, &SessionRecord::NormalTitle, 1, true, 0},  // checked when now 0
-      {ID_MENU_DISCREET, &SessionRecord::NormalTitle, 0, false, 0},
+  struct Row { const char* Name; int32_t Command; int32_t SessionRecord::*Flag; int32_t Before;
+               bool CheckedAfter; int32_t Repaints; };
+  const Row rows[] = {
+    {"ImagesOff", ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, 1, false, 1},
+    {"DamagedImagesOn", ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, 2, true, 1},  // to -1
+    {"DamagedImagesBack", ID_GRAPHICS_IMAGES, &SessionRecord::ShowImages, -1, true, 1},
+    {"ColoursOn", ID_GRAPHICS_COLOURS, &SessionRecord::CustomColours, 0, true, 1},
+    {"SmoothingOn", ID_GRAPHICS_SMOOTHING, &SessionRecord::Smoothing, 0, true, 1},
+    {"SquareOff", ID_GRAPHICS_SQUARE, &SessionRecord::AlwaysSquare, 1, false, 1},
+    {"DiscreetOn", ID_MENU_DISCREET, &SessionRecord::NormalTitle, 1, true, 0},  // checked at 0
+    {"DiscreetOff", ID_MENU_DISCREET, &SessionRecord::NormalTitle, 0, false, 0},
   };
-  for (const Case& c : cases) {
-    TearDown();
-    SetUp();
-    SCOPED_TRACE(testing::Message() << "command " << c.command << " from " << c.before);
-    SessionState.*c.flag = c.before;
-    const MenuToggle* toggle = FindMenuToggle(c.command);
+  // clang-format on
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.*row.Flag = row.Before;
+    const MenuToggle* toggle = FindMenuToggle(row.Command);
     ASSERT_NE(toggle, nullptr);
-    EXPECT_EQ(ApplyMenuToggle(*toggle), c.checkedAfter);
-    EXPECT_EQ(SessionState.*c.flag, 1 - c.before);
-    EXPECT_EQ(MenuToggleChecked(*toggle), c.checkedAfter);
-    EXPECT_EQ(FakePlatform.RepaintRequests, c.repaints);
-  }
+    EXPECT_EQ(ApplyMenuToggle(*toggle), row.CheckedAfter);
+    EXPECT_EQ(SessionState.*row.Flag, 1 - row.Before);
+    EXPECT_EQ(MenuToggleChecked(*toggle), row.CheckedAfter);
+    EXPECT_EQ(FakePlatform.RepaintRequests, row.Repaints);
+  });
 }
 
 TEST_F(MenuLogicTest, RatioCommandsAddLogicalSizesToTheBaseSize) {

@@ -1,5 +1,4 @@
-// The test host of the portable core: a platform that records what the core asks of it, and a
-// fixture that gives every test, and every row of a table, fresh global records.
+// The test host: a platform that records what the core asks of it, and a fresh-state fixture.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,15 +17,13 @@ struct FakePlatformRecord {
 
 extern FakePlatformRecord FakePlatform;
 
-// Resets the session record, the referee, the statistics and the fake platform.
 void ResetAllGlobals();
 
 class CoreTest : public ::testing::Test {
  protected:
   void SetUp() override { ResetAllGlobals(); }
 
-  // Runs `body` for every row of a table, each from a fresh fixture (the fixture's TearDown
-  // and SetUp run again before it); a failure names its row by the row's Name.
+  // Runs `body` for every row from a fresh fixture; a failure names its row by the row's Name.
   template <typename Rows, typename Body>
   void ForEachRow(const Rows& rows, Body body) {
     for (const auto& row : rows) {

@@ -1,5 +1,4 @@
-// The logical size, the fit of the picture in the client area, the black margins and the
-// mapping of pointer positions.
+// The logical size, the fit of the picture in the client area, its margins and the pointer.
 #include <vector>
 
 #include "fit_cases.h"
@@ -76,7 +75,6 @@ TEST_F(ViewportTest, PointerMapsBackToLogicalPixels) {
   // clang-format off
   struct Row { const char* Name; int32_t W, H, Square, ClientW, ClientH, X, Y, MouseX, MouseY; };
   const Row rows[] = {
-    {"Unscaled", 400, 300, 0, 400, 300, 95, 10, 95, 10},
     {"TwiceTheSize", 285, 261, 0, 570, 522, 190, 100, 95, 50},
     {"PictureLeftEdge", 400, 200, 1, 1000, 200, 299, 0, 0, 0},
     {"LeftMarginIsLeftOfTheBoard", 400, 200, 1, 1000, 200, 200, 50, -98, 50},
