@@ -2,7 +2,6 @@
 // ordinary test builds, and the soak run.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -19,16 +18,15 @@ std::string RunSaveFileCase(const uint8_t* data, size_t size, const std::string&
 int RunDriverCase(const uint8_t* data, size_t size, const std::string& folder,
                   std::string* failure);
 
-// Starts a game and plays at most `actions` actions, each chosen by the next byte: a click or a
-// key on a column (beside the board too), or "Recommencer", with the repaints that follow.
-// Returns an empty string or the first broken invariant.
+// Starts a game and plays at most `actions` actions, each chosen by the next byte, with the
+// repaints that follow. Returns an empty string or the first broken invariant.
 std::string PlayGame(const std::function<uint8_t()>& nextByte, int32_t actions);
 
 // Whether a reply takes more than a few milliseconds under the sanitizers.
 bool RepliesAreSlow();
 
-// Every setting that indexes a table in its range, the game's state in its values, the texts
-// terminated, and with `border`, nothing on the grid outside the board. Empty, or what is wrong.
+// The settings and the game's state in range, the texts terminated, and with `border`, nothing
+// on the grid outside the board. Empty, or what is wrong.
 std::string CheckSessionInvariants(bool border);
 
 // A fresh folder under /tmp, named after `target`, removed when the process exits.

@@ -12,9 +12,6 @@
 
 namespace {
 
-// Commands that may run a computer's reply, and how many of them one script may give.
-constexpr int kMaxReplyCommands = 48;
-
 // Hands the script to the driver one line at a time, so that each line is judged against the
 // session as the lines before it left it. Every run starts from the same generator state.
 struct GatedScript : std::streambuf {
@@ -38,11 +35,9 @@ struct GatedScript : std::streambuf {
     std::istringstream(std::string(line)) >> command;
     const bool reply =
         command == "click" || command == "key" || command == "paint" || command == "settle";
-    if (line.empty() || (reply && (++ReplyCommands > kMaxReplyCommands || RepliesAreSlow()))) {
-      return false;
-    }
-    // Files are read and written in the case's folder only.
-    if ((command == "load" || command == "save") && line.find('/') != std::string_view::npos) {
+    // At most 48 commands that may run a reply; files only in the case's folder.
+    if (line.empty() || (reply && (++ReplyCommands > 48 || RepliesAreSlow())) ||
+        ((command == "load" || command == "save") && line.find('/') != std::string_view::npos)) {
       return false;
     }
     Line.assign(line);

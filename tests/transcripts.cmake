@@ -8,8 +8,3 @@ foreach(script IN LISTS KALVERO_TRANSCRIPTS)
                    -DWORKDIR=${CMAKE_CURRENT_BINARY_DIR}/transcripts/${name}
                    -P ${CMAKE_CURRENT_SOURCE_DIR}/transcripts/run_transcript.cmake)
 endforeach()
-
-# The scripts are committed as tools/make_transcripts.py writes them.
-find_package(Python3 REQUIRED COMPONENTS Interpreter)
-add_test(NAME transcript_scripts_up_to_date
-         COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tools/make_transcripts.py --check)
