@@ -11,6 +11,7 @@
 #include "opponents/new_game.h"
 #include "opponents/openings.h"
 #include "opponents/referee.h"
+#include "render/bitmap_table.h"
 #include "render/viewport.h"
 #include "shell/turnflow.h"
 
@@ -25,6 +26,7 @@ void ResetProcessState() {
   ResetSessionState();
   MouseX = MouseY = 0;
   Viewport = ViewportRecord{};
+  BitmapTable = BitmapTableRecord{};
   GridClear();
   std::memset(RunNeeded, 0, sizeof RunNeeded);
   std::memset(StatsTable, 0, sizeof StatsTable);
