@@ -1,7 +1,9 @@
 // The about box: the icon, the title line and a credit line on the dialogs' light blue.
 #include <windows.h>
 
+#include "dialogs/dialog_steps.h"
 #include "dialogs/dialogs_win32.h"
+#include "ground/front_end_win32.h"
 #include "render/graphics_win32.h"
 
 INT_PTR CALLBACK AboutDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
@@ -14,9 +16,8 @@ INT_PTR CALLBACK AboutDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARA
       SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
       return reinterpret_cast<INT_PTR>(Graphics.DialogBrush);
     case WM_COMMAND:
-      if (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL) {
-        EndDialog(dialog, LOWORD(wParam));
-      }
+      FrontEnd.OpenDialog = dialog;
+      AboutDialogCommand(LOWORD(wParam));
       return TRUE;
     default:
       return FALSE;

@@ -7,6 +7,7 @@
 struct FrontEndRecord {
   HINSTANCE Instance = nullptr;
   HWND MainWindow = nullptr;
+  HWND OpenDialog = nullptr;    // the modal dialog whose controls the dialog steps use
   bool BuffersCreated = false;  // the first repaint has created the off-screen surfaces
   bool Destroying = false;      // the main window is being destroyed: never destroy it twice
 };

@@ -8,6 +8,7 @@
 #include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
+#include "render/frame_logic.h"
 #include "resources/resource.h"
 
 // clang-format off
@@ -181,4 +182,10 @@ DrawList PlanEngineBoard() {
   }
   PlanPortraitAndTitle(out, 8);
   return out;
+}
+
+DrawList ComposeFrame() {
+  const bool engine = FrameShowsEngineBoard();
+  ComposeFrameLogic();
+  return engine ? PlanEngineBoard() : PlanGridBoard();
 }

@@ -77,3 +77,7 @@ DrawList PlanGridBoard();
 // A frame from the engine's board, for the game of the searching character while it runs;
 // the same after ComposeFrameLogic.
 DrawList PlanEngineBoard();
+
+// The whole of a repaint's composing without pixels: the frame's game effects and status line
+// (ComposeFrameLogic), then the plan of the board it shows.
+DrawList ComposeFrame();

@@ -7,24 +7,11 @@
 #include "ground/session.h"
 #include "render/graphics_win32.h"
 #include "resources/resource.h"
-#include "shell/menu_logic.h"
+#include "shell/menu_commands.h"
 #include "shell/shell_win32.h"
 
-namespace {
-
+// Strings are loaded into buffers of this many characters.
 constexpr int kStringBufferSize = 100;
-
-void SetCheckMarks(HWND window) {
-  HMENU menu = GetMenu(window);
-  int32_t count = 0;
-  const MenuToggle* toggles = MenuToggles(&count);
-  for (int32_t i = 0; i < count; ++i) {
-    CheckMenuItem(menu, static_cast<UINT>(toggles[i].Command),
-                  MenuToggleChecked(toggles[i]) ? MF_CHECKED : MF_UNCHECKED);
-  }
-}
-
-}  // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int showState) {
   LoadSaveFile();
@@ -64,7 +51,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int showState) {
   // one player, the characters dialog all run before it returns.
   ShowWindow(FrontEnd.MainWindow, showState);
   UpdateWindow(FrontEnd.MainWindow);
-  SetCheckMarks(FrontEnd.MainWindow);
+  SetAllMenuChecks();
   HACCEL accelerators = LoadAcceleratorsA(instance, MAKEINTRESOURCEA(IDR_ACCELERATORS));
 
   MSG message = {};

@@ -8,6 +8,18 @@
 // goes to the platform's default handling.
 bool MessagePassesHomeDialog(bool isRepaint);
 
+// What every message that reaches the main window does before its own handling.
+struct WindowMessageStart {
+  bool Passes = false;            // false: the home dialog holds it back for the default handling
+  bool RefillBackground = false;  // the logical size has just settled (SettleLogicalSize)
+  bool DestroyWindow = false;     // a dialog was cancelled: the window goes instead
+  int32_t Section = 0;            // the statistics section of the settings as they are now
+};
+
+// Lets the message through the home dialog's gate, reads the client size into the logical
+// size and the fit, and notes the section and a pending quit.
+WindowMessageStart StartWindowMessage(bool isRepaint, int32_t clientWidth, int32_t clientHeight);
+
 // Whether this repaint opens the home dialog (and maybe the characters dialog): the first
 // repaint of the run, unless the dialog is already open.
 bool RepaintOpensFirstDialogs();

@@ -2,12 +2,11 @@
 #include <windows.h>
 
 #include "ground/platform.h"
-#include "ground/savefile.h"
 #include "ground/session.h"
 #include "render/frame_logic.h"
 #include "render/graphics_win32.h"
 #include "render/viewport.h"
-#include "resources/resource.h"
+#include "shell/menu_commands.h"
 #include "shell/shell_win32.h"
 #include "shell/turnflow.h"
 #include "shell/window_logic.h"
@@ -47,28 +46,21 @@ void Repaint(HWND window) {
   }
   PresentBackBuffer(dc);
   EndPaint(window, &paint);
-  if (RepaintOpensFirstDialogs()) {
-    RunSettingsDialogs(window);
-    FirstDialogsClosed();
-    ResizeMainWindow(window, BaseWindowWidth(SessionState.BoardSize),
-                     BaseWindowHeight(SessionState.BoardSize));
-  }
-  EndRepaint();
+  FinishRepaintSteps();
   SetCursor(previous);
 }
 
 }  // namespace
 
 LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (!MessagePassesHomeDialog(message == WM_PAINT)) {
-    return DefWindowProcA(window, message, wParam, lParam);
-  }
   RECT client = {};
   GetClientRect(window, &client);
-  if (SettleLogicalSize(client.right, client.bottom)) RefillBackground();
-  FitDestination(client.right, client.bottom);
-  const int32_t section = StatsSection();
-  if (SessionState.QuitRequested != 0 && IsWindow(window) && !FrontEnd.Destroying) {
+  const WindowMessageStart start =
+      StartWindowMessage(message == WM_PAINT, client.right, client.bottom);
+  if (!start.Passes) return DefWindowProcA(window, message, wParam, lParam);
+  if (start.RefillBackground) RefillBackground();
+  const int32_t section = start.Section;
+  if (start.DestroyWindow && IsWindow(window) && !FrontEnd.Destroying) {
     // A dialog was cancelled: the window goes, and the closing steps run during its
     // destruction. The message that brought us here is not handled any further.
     FrontEnd.Destroying = true;
@@ -93,7 +85,7 @@ LRESULT CALLBACK MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM
       PlayKey(static_cast<int8_t>(wParam & 0xFF));
       return 0;
     case WM_COMMAND:
-      if (HandleMenuCommand(window, LOWORD(wParam), section)) return 0;
+      if (RunMenuCommand(LOWORD(wParam), section)) return 0;
       return DefWindowProcA(window, message, wParam, lParam);
     case WM_MOUSEMOVE:
       TrackPointer(static_cast<int32_t>(lParam & 0xFFFF),

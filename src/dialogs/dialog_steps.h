@@ -1,0 +1,23 @@
+// The steps of the four dialogs over the controls of dialogs/dialog_host.h: what opening fills
+// in and what each command does. A host shows the dialog, calls Open... once, then Command...
+// for every button, list or check box the player uses (Enter gives the OK button's number,
+// Escape and the close box the Cancel button's), until the step ends the dialog.
+#pragma once
+
+#include <cstdint>
+
+// The home dialog: players, level or statistics slot, board size, challenge.
+void OpenHomeDialog();
+void HomeDialogCommand(int32_t control);
+
+// The characters dialog: opponent, strategy number, player's name. Returns true when the
+// command was OK and the dialog ends with it.
+void OpenCharactersDialog();
+bool CharactersDialogCommand(int32_t control);
+
+// The statistics dialog: only its OK button (or Enter) closes it.
+void OpenStatsDialog();
+void StatsDialogCommand(int32_t control);
+
+// The about box: OK, Enter, Escape and the close box close it.
+void AboutDialogCommand(int32_t control);
