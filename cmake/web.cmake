@@ -1,0 +1,74 @@
+# The web edition (Emscripten): the game as a static site in build/web/site, and the headless
+# driver as WebAssembly under Node, which plays the recorded transcripts as a test.
+
+# Debian's emcc runs its tools with Node and needs Node to find Debian's own modules, also when
+# another Node comes first on the PATH.
+set(ENV{NODE_PATH} /usr/share/nodejs)
+set(KALVERO_SITE ${CMAKE_BINARY_DIR}/site)
+set(KALVERO_PAGE ${PROJECT_SOURCE_DIR}/web)
+
+file(GLOB KALVERO_WEB_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/web/*.cpp)
+add_executable(kalvero4 ${KALVERO_WEB_SOURCES})
+target_link_libraries(kalvero4 PRIVATE kalvero_core)
+kalvero_warnings(kalvero4)
+set_target_properties(kalvero4 PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${KALVERO_SITE} SUFFIX ".js")
+set(KALVERO_ASYNC_IMPORTS "['kv_ask','kv_dialog_wait']")
+target_link_options(kalvero4 PRIVATE
+  -sENVIRONMENT=web
+  -sASYNCIFY                                  # a dialog or a box waits inside the core's call
+  "-sASYNCIFY_IMPORTS=${KALVERO_ASYNC_IMPORTS}"
+  -sALLOW_MEMORY_GROWTH                       # the engine takes its memory at every game
+  -sEXIT_RUNTIME=0
+  -sINVOKE_RUN=0                              # the page starts the game once storage is read
+  -sFORCE_FILESYSTEM
+  -lidbfs.js
+  "-sEXPORTED_RUNTIME_METHODS=['ccall','FS']"
+  --js-library ${KALVERO_PAGE}/library.js
+  --pre-js ${KALVERO_PAGE}/page.js)
+set_property(TARGET kalvero4 APPEND PROPERTY LINK_DEPENDS
+             ${KALVERO_PAGE}/library.js ${KALVERO_PAGE}/page.js)
+
+# The page and the pictures it draws, beside the program. The pictures are the Windows
+# program's own bitmaps and icons, which browsers read as they are.
+file(GLOB KALVERO_PICTURES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/resources/pictures/*)
+set(KALVERO_SITE_FILES)
+foreach(file index.html kalvero4.css)
+  add_custom_command(OUTPUT ${KALVERO_SITE}/${file}
+                     COMMAND ${CMAKE_COMMAND} -E copy ${KALVERO_PAGE}/${file} ${KALVERO_SITE}/${file}
+                     DEPENDS ${KALVERO_PAGE}/${file})
+  list(APPEND KALVERO_SITE_FILES ${KALVERO_SITE}/${file})
+endforeach()
+foreach(picture IN LISTS KALVERO_PICTURES)
+  get_filename_component(name ${picture} NAME)
+  add_custom_command(OUTPUT ${KALVERO_SITE}/pictures/${name}
+                     COMMAND ${CMAKE_COMMAND} -E copy ${picture} ${KALVERO_SITE}/pictures/${name}
+                     DEPENDS ${picture})
+  list(APPEND KALVERO_SITE_FILES ${KALVERO_SITE}/pictures/${name})
+endforeach()
+# The menu, accelerators, strings and dialog templates, from the Windows program's own script.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+add_custom_command(OUTPUT ${KALVERO_SITE}/resources.js
+                   COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/make_page_resources.py
+                           ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc
+                           ${PROJECT_SOURCE_DIR}/src/resources/resource.h ${KALVERO_SITE}/resources.js
+                   DEPENDS ${PROJECT_SOURCE_DIR}/tools/make_page_resources.py
+                           ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc
+                           ${PROJECT_SOURCE_DIR}/src/resources/resource.h)
+list(APPEND KALVERO_SITE_FILES ${KALVERO_SITE}/resources.js)
+add_custom_target(site ALL DEPENDS ${KALVERO_SITE_FILES})
+
+# The driver under Node, reading its script from standard input and its files from the disk.
+file(GLOB KALVERO_DRIVER_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/cli/*.cpp)
+add_executable(kalvero4-cli ${KALVERO_DRIVER_SOURCES})
+target_link_libraries(kalvero4-cli PRIVATE kalvero_core)
+kalvero_warnings(kalvero4-cli)
+set_target_properties(kalvero4-cli PROPERTIES SUFFIX ".js")
+target_link_options(kalvero4-cli PRIVATE -sENVIRONMENT=node -sNODERAWFS -sEXIT_RUNTIME
+                    -sALLOW_MEMORY_GROWTH)
+
+enable_testing()
+find_program(KALVERO_NODE node REQUIRED)
+# Node 18 and later would fetch the program with its own fetch(), which this Emscripten's
+# output does not expect.
+set(KALVERO_CLI_COMMAND "${KALVERO_NODE};--no-experimental-fetch;$<TARGET_FILE:kalvero4-cli>")
+include(${PROJECT_SOURCE_DIR}/tests/transcripts.cmake)
