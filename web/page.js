@@ -47,7 +47,7 @@ var Page = (function () {
     outerWidth: 0, outerHeight: 0,
     queue: [], running: false, repaintWanted: false,
     modal: 0, ended: false, endRequested: false, endCode: 0, started: false, keepStorage: true,
-    lastPointer: null,
+    lastPointer: null, framesShown: 0,
     dialog: null, dialogWaiters: [], dialogCommands: [],
     checks: {}, menuOpen: null,
   };
@@ -252,6 +252,8 @@ var Page = (function () {
     }
     g.fillStyle = '#000';
     for (var i = 0; i + 3 < black.length; i += 4) g.fillRect(black[i], black[i + 1], black[i + 2], black[i + 3]);
+    // The moment the first frame is on the screen, for measuring the start.
+    if (!state.framesShown++) performance.mark('kalvero4-first-frame');
   }
 
   function loadPictures() {
