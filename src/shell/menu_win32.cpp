@@ -19,8 +19,8 @@ void RunDialog(DialogKind kind) {
       {IDD_ABOUT, AboutDialogProc},
   };
   const Template& t = kTemplates[static_cast<int>(kind)];
-  DialogBoxParamA(FrontEnd.Instance, MAKEINTRESOURCEA(t.Resource), FrontEnd.MainWindow,
-                  t.Procedure, 0);
+  DialogBoxParamA(FrontEnd.Instance, MAKEINTRESOURCEA(t.Resource), FrontEnd.MainWindow, t.Procedure,
+                  0);
 }
 
 void SetMenuCheck(int32_t command, bool checked) {

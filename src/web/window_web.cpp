@@ -53,8 +53,12 @@ void DrawPlan(const DrawList& plan) {
   for (const DrawOp& op : plan) {
     const int32_t what =
         op.Kind == DrawKind::FillCell ? static_cast<int32_t>(op.Brush) : op.Resource;
-    const int32_t x = op.Kind == DrawKind::Line ? op.From.X : op.Kind == DrawKind::Text ? op.At.X : op.Rect.X;
-    const int32_t y = op.Kind == DrawKind::Line ? op.From.Y : op.Kind == DrawKind::Text ? op.At.Y : op.Rect.Y;
+    const int32_t x = op.Kind == DrawKind::Line   ? op.From.X
+                      : op.Kind == DrawKind::Text ? op.At.X
+                                                  : op.Rect.X;
+    const int32_t y = op.Kind == DrawKind::Line   ? op.From.Y
+                      : op.Kind == DrawKind::Text ? op.At.Y
+                                                  : op.Rect.Y;
     kv_draw(static_cast<int32_t>(op.Kind), x, y, op.Rect.Width, op.Rect.Height, op.To.X, op.To.Y,
             what, static_cast<int32_t>(op.Raster), op.Colour, op.Text.data(),
             static_cast<int32_t>(op.Text.size()));
