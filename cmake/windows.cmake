@@ -11,6 +11,13 @@ if(KALVERO_WIN32_SOURCES AND EXISTS ${PROJECT_SOURCE_DIR}/src/resources/kalvero4
   add_executable(kalvero4 WIN32 ${KALVERO_WIN32_SOURCES} ${KALVERO_RC})
   target_link_libraries(kalvero4 PRIVATE kalvero_core gdi32 user32)
   target_link_options(kalvero4 PRIVATE -static -static-libgcc -static-libstdc++ -mwindows)
+  # Drops the sections nothing refers to: the compiler's version strings of every object, unused
+  # data, and on x86_64 some code of the C runtime (about 2.5 KB on i686, 5 KB on x86_64).
+  # Compiling with -ffunction-sections would add nothing: the linker script keeps every
+  # .eh_frame (i686) and .pdata (x86_64) section, and those refer to every function, so no
+  # function can be dropped. -fdata-sections would even move the zeroed globals out of .bss
+  # into the file (about 280 KB), since the script's .bss takes no .bss$ input sections.
+  target_link_options(kalvero4 PRIVATE -Wl,--gc-sections)
   target_include_directories(kalvero4 PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/src/resources)
   target_compile_definitions(kalvero4 PRIVATE
     KALVERO_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}

@@ -1,5 +1,7 @@
 #include "test_support.h"
 
+#include <cstdio>
+
 #include "ground/platform.h"
 #include "shell/process_state.h"
 
@@ -18,6 +20,11 @@ int32_t AskUser(const char* text, const char*, uint32_t) {
   const size_t asked = FakePlatform.Questions.size();
   FakePlatform.Questions.emplace_back(text);
   return asked < FakePlatform.Answers.size() ? FakePlatform.Answers[asked] : kAnswerYes;
+}
+
+// The real file system: the save tests look at the files themselves.
+bool ReplaceFileWith(const char* from, const char* to) {
+  return std::rename(from, to) == 0;
 }
 
 void ResetAllGlobals() {

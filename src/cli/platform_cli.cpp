@@ -20,3 +20,8 @@ int32_t AskUser(const char* text, const char* title, uint32_t flags) {
   std::fprintf(stderr, "%s: %s\n", ToUtf8(title).c_str(), ToUtf8(text).c_str());
   return (flags & 0x0F) == kAskYesNo ? kAnswerYes : kAnswerOk;
 }
+
+// POSIX rename replaces the target in one step.
+bool ReplaceFileWith(const char* from, const char* to) {
+  return std::rename(from, to) == 0;
+}

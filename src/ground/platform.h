@@ -26,3 +26,7 @@ void EndMessageLoop(int32_t code);
 // Shows a modal message box owned by the main window (texts in Windows-1252) and returns the
 // button that closed it.
 int32_t AskUser(const char* text, const char* title, uint32_t flags);
+
+// Renames the file `from` to `to`, replacing a file already at `to` in one step, and returns
+// whether it did. The C library's rename on Windows refuses to replace, hence a service of its own.
+bool ReplaceFileWith(const char* from, const char* to);

@@ -1,4 +1,4 @@
-// The main window's handler, and the three services the portable core asks of the platform.
+// The main window's handler, and the four services the portable core asks of the platform.
 #include <windows.h>
 
 #include "ground/platform.h"
@@ -23,6 +23,11 @@ void EndMessageLoop(int32_t code) {
 
 int32_t AskUser(const char* text, const char* title, uint32_t flags) {
   return MessageBoxA(FrontEnd.MainWindow, text, title, flags);
+}
+
+// Paths in the ANSI code page, like fopen's. The copy flag lets the move cross volumes.
+bool ReplaceFileWith(const char* from, const char* to) {
+  return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED) != 0;
 }
 
 namespace {
