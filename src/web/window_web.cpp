@@ -3,6 +3,8 @@
 // frame's plan. Every step of the game itself is the portable core's.
 #include <emscripten/emscripten.h>
 
+#include <cstdio>
+
 #include "ground/platform.h"
 #include "ground/random.h"
 #include "ground/savefile.h"
@@ -94,6 +96,11 @@ void EndMessageLoop(int32_t code) {
 
 int32_t AskUser(const char* text, const char* title, uint32_t flags) {
   return kv_ask(text, title, flags);
+}
+
+// The browser's file system replaces a file in one step, as the C library's rename does.
+bool ReplaceFileWith(const char* from, const char* to) {
+  return std::rename(from, to) == 0;
 }
 
 void SetMenuCheck(int32_t command, bool checked) {
