@@ -383,6 +383,32 @@ var Page = (function () {
     if (title) title.classList.add('open');
   }
 
+  // The keyboard in the menus: Alt and an underlined letter opens a menu, a letter chooses an
+  // entry of the open one, Escape closes it.
+  function menuKey(e) {
+    var letter = e.key.length === 1 ? e.key.toLowerCase() : '';
+    if (e.altKey && letter) {
+      var title = Array.from(document.querySelectorAll('.menu-title')).find(function (t) {
+        var u = t.querySelector(':scope > u');
+        return u && u.textContent.toLowerCase() === letter;
+      });
+      if (!title) return false;
+      e.preventDefault();
+      openMenu(title);
+      return true;
+    }
+    if (!state.menuOpen) return false;
+    e.preventDefault();
+    if (e.key === 'Escape') { openMenu(null); return true; }
+    var rows = state.menuOpen.querySelectorAll(':scope > .menu-popup > .menu-item');
+    var row = Array.from(rows).find(function (r) {
+      var u = r.querySelector(':scope > .menu-label > u');
+      return u && u.textContent.toLowerCase() === letter;
+    });
+    if (row) row.dispatchEvent(new MouseEvent('mouseup', { bubbles: true }));
+    return true;
+  }
+
   function menuCommand(command) {
     if (state.modal > 0 || state.ended) return;
     message('WebCommand', [command]);
@@ -428,7 +454,9 @@ var Page = (function () {
       message('WebClick');
     });
     document.addEventListener('keydown', function (e) {
-      if (!inputAllowed() || e.ctrlKey || e.altKey || e.metaKey) return;
+      if (!inputAllowed() || e.ctrlKey || e.metaKey) return;
+      if (menuKey(e)) return;
+      if (e.altKey) return;
       var letter = e.key.length === 1 ? e.key.toUpperCase() : '';
       var command = KalveroResources.accelerators[letter];
       if (command && !e.shiftKey && e.key === letter.toLowerCase()) {
@@ -801,10 +829,10 @@ var Page = (function () {
     location.reload();
   }
 
+  // Also while a dialog waits for the player: writing the file never waits, and what the
+  // session holds then is what a closing tab must not lose.
   function storeNow() {
-    if (state.started && !state.ended && state.keepStorage && state.modal === 0 && !state.running) {
-      Module._WebStoreNow();
-    }
+    if (state.started && !state.ended && state.keepStorage) Module._WebStoreNow();
   }
 
   // ----- Start and end -----------------------------------------------------------------------

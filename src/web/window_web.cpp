@@ -82,6 +82,20 @@ void Present() {
              SessionState.Smoothing, black, plan.BlackCount);
 }
 
+// The first half of a repaint: its message steps, the first game and background at the first
+// one, then the frame composed and presented. False when the repaint goes no further.
+bool PaintFrame() {
+  if (!StartMessage(true)) return false;
+  if (SessionState.FirstPaint != 0 && !Window.BuffersCreated) {
+    NewGame();
+    Window.BuffersCreated = true;
+    RefillBackground();
+  }
+  DrawPlan(ComposeFrame());
+  Present();
+  return true;
+}
+
 }  // namespace
 
 void RequestRepaint() {
@@ -122,8 +136,9 @@ void DestroyMainWindow() {
 extern "C" {
 
 // The start of the program: the saved session, the generator, the title, the window at the
-// size of the saved board, its first repaint (the first game and the settings dialogs), then
-// the check marks.
+// size of the saved board, and its first repaint at once (the first game, the first frame, the
+// settings dialogs), as showing the window delivers it; then the check marks, which thus show
+// the settings as the home dialog left them.
 EMSCRIPTEN_KEEPALIVE void WebStart() {
   Window = WebWindowRecord{};
   LoadSaveFile();
@@ -131,7 +146,7 @@ EMSCRIPTEN_KEEPALIVE void WebStart() {
   kv_set_title(SessionState.NormalTitle);
   ResizeMainWindow(BaseWindowWidth(SessionState.BoardSize),
                    BaseWindowHeight(SessionState.BoardSize));
-  kv_request_repaint();
+  if (PaintFrame()) FinishRepaintSteps();
   SetAllMenuChecks();
 }
 
@@ -145,15 +160,7 @@ EMSCRIPTEN_KEEPALIVE void WebResized(int32_t clientWidth, int32_t clientHeight) 
 // The first half of a repaint: the frame composed and presented. Returns 1 when the second
 // half (WebFinishRepaint) is to follow.
 EMSCRIPTEN_KEEPALIVE int32_t WebPaint() {
-  if (!StartMessage(true)) return 0;
-  if (SessionState.FirstPaint != 0 && !Window.BuffersCreated) {
-    NewGame();
-    Window.BuffersCreated = true;
-    RefillBackground();
-  }
-  DrawPlan(ComposeFrame());
-  Present();
-  return 1;
+  return PaintFrame() ? 1 : 0;
 }
 
 // Whether the second half of this repaint makes the computer think: the page shows the wait
