@@ -160,3 +160,30 @@ void StatsDialogCommand(int32_t control) {
 void AboutDialogCommand(int32_t control) {
   if (control == kOkControl || control == kCancelControl) EndOpenDialog(control);
 }
+
+void OpenDialogSteps(DialogKind kind) {
+  switch (kind) {
+    case DialogKind::Home:
+      return OpenHomeDialog();
+    case DialogKind::Characters:
+      return OpenCharactersDialog();
+    case DialogKind::Stats:
+      return OpenStatsDialog();
+    case DialogKind::About:
+      return;
+  }
+}
+
+void RunDialogCommand(DialogKind kind, int32_t control) {
+  switch (kind) {
+    case DialogKind::Home:
+      return HomeDialogCommand(control);
+    case DialogKind::Characters:
+      CharactersDialogCommand(control);
+      return;
+    case DialogKind::Stats:
+      return StatsDialogCommand(control);
+    case DialogKind::About:
+      return AboutDialogCommand(control);
+  }
+}

@@ -6,6 +6,13 @@
 
 #include <cstdint>
 
+enum class DialogKind { Home, Characters, Stats, About };
+
+// The opening steps, and one command, of a dialog of any kind, for a host that runs every
+// dialog through one loop.
+void OpenDialogSteps(DialogKind kind);
+void RunDialogCommand(DialogKind kind, int32_t control);
+
 // The home dialog: players, level or statistics slot, board size, challenge.
 void OpenHomeDialog();
 void HomeDialogCommand(int32_t control);

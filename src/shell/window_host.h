@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-enum class DialogKind { Home, Characters, Stats, About };
+#include "dialogs/dialog_steps.h"
 
 // Runs a dialog modally over the main window; returns when it has ended.
 void RunDialog(DialogKind kind);

@@ -58,35 +58,7 @@ int32_t AskFromDialog(const char* text, const char* title, uint32_t flags, BoxOw
 void RunDialog(DialogKind kind) {
   kv_dialog_open(static_cast<int32_t>(kind));
   DialogEnded = false;
-  switch (kind) {
-    case DialogKind::Home:
-      OpenHomeDialog();
-      break;
-    case DialogKind::Characters:
-      OpenCharactersDialog();
-      break;
-    case DialogKind::Stats:
-      OpenStatsDialog();
-      break;
-    case DialogKind::About:
-      break;
-  }
-  while (!DialogEnded) {
-    const int32_t control = kv_dialog_wait();
-    switch (kind) {
-      case DialogKind::Home:
-        HomeDialogCommand(control);
-        break;
-      case DialogKind::Characters:
-        CharactersDialogCommand(control);
-        break;
-      case DialogKind::Stats:
-        StatsDialogCommand(control);
-        break;
-      case DialogKind::About:
-        AboutDialogCommand(control);
-        break;
-    }
-  }
+  OpenDialogSteps(kind);
+  while (!DialogEnded) RunDialogCommand(kind, kv_dialog_wait());
   kv_dialog_close();
 }
