@@ -51,18 +51,27 @@ bool StartMessage(bool isRepaint) {
   return true;
 }
 
+// Where a step starts: a line at its first end, a text at its place, the rest at its rectangle.
+PixelPoint Anchor(const DrawOp& op) {
+  switch (op.Kind) {
+    case DrawKind::Line:
+      return op.From;
+    case DrawKind::Text:
+      return op.At;
+    default:
+      return {op.Rect.X, op.Rect.Y};
+  }
+}
+
+// Each step goes to the page as numbers: kind, anchor, size, the line's other end, the brush or
+// picture, the raster operation, the colour and the text.
 void DrawPlan(const DrawList& plan) {
   for (const DrawOp& op : plan) {
+    const PixelPoint at = Anchor(op);
     const int32_t what =
         op.Kind == DrawKind::FillCell ? static_cast<int32_t>(op.Brush) : op.Resource;
-    const int32_t x = op.Kind == DrawKind::Line   ? op.From.X
-                      : op.Kind == DrawKind::Text ? op.At.X
-                                                  : op.Rect.X;
-    const int32_t y = op.Kind == DrawKind::Line   ? op.From.Y
-                      : op.Kind == DrawKind::Text ? op.At.Y
-                                                  : op.Rect.Y;
-    kv_draw(static_cast<int32_t>(op.Kind), x, y, op.Rect.Width, op.Rect.Height, op.To.X, op.To.Y,
-            what, static_cast<int32_t>(op.Raster), op.Colour, op.Text.data(),
+    kv_draw(static_cast<int32_t>(op.Kind), at.X, at.Y, op.Rect.Width, op.Rect.Height, op.To.X,
+            op.To.Y, what, static_cast<int32_t>(op.Raster), op.Colour, op.Text.data(),
             static_cast<int32_t>(op.Text.size()));
   }
 }
