@@ -13,11 +13,14 @@ target_link_libraries(kalvero4 PRIVATE kalvero_core)
 kalvero_warnings(kalvero4)
 set_target_properties(kalvero4 PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${KALVERO_SITE} SUFFIX ".js")
 set(KALVERO_ASYNC_IMPORTS "['kv_ask','kv_dialog_wait']")
-target_link_options(kalvero4 PRIVATE
+# How the core's code is compiled into the page; the reply's timing program below uses the same.
+set(KALVERO_WEB_CODE_OPTIONS
   -sENVIRONMENT=web
   -sASYNCIFY                                  # a dialog or a box waits inside the core's call
   "-sASYNCIFY_IMPORTS=${KALVERO_ASYNC_IMPORTS}"
-  -sALLOW_MEMORY_GROWTH                       # the engine takes its memory at every game
+  -sALLOW_MEMORY_GROWTH)                      # the engine takes its memory at every game
+target_link_options(kalvero4 PRIVATE
+  ${KALVERO_WEB_CODE_OPTIONS}
   -sEXIT_RUNTIME=0
   -sINVOKE_RUN=0                              # the page starts the game once storage is read
   -sFORCE_FILESYSTEM
@@ -56,6 +59,24 @@ add_custom_command(OUTPUT ${KALVERO_SITE}/resources.js
                            ${PROJECT_SOURCE_DIR}/src/resources/resource.h)
 list(APPEND KALVERO_SITE_FILES ${KALVERO_SITE}/resources.js)
 add_custom_target(site ALL DEPENDS ${KALVERO_SITE_FILES})
+
+# The reply's timing program (bench/reply_time.cpp) with the page that runs it in a browser,
+# beside the site and not in it (build/web/bench), built on request only:
+# cmake --build --preset web --target kalvero4-reply-time; bench/web_measure.py reply runs it.
+set(KALVERO_BENCH_PAGE ${CMAKE_BINARY_DIR}/bench)
+add_executable(kalvero4-reply-time EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/bench/reply_time.cpp
+               ${PROJECT_SOURCE_DIR}/src/cli/platform_cli.cpp)
+target_link_libraries(kalvero4-reply-time PRIVATE kalvero_core)
+kalvero_warnings(kalvero4-reply-time)
+set_target_properties(kalvero4-reply-time PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${KALVERO_BENCH_PAGE}
+                      SUFFIX ".js")
+target_link_options(kalvero4-reply-time PRIVATE ${KALVERO_WEB_CODE_OPTIONS})
+add_custom_command(OUTPUT ${KALVERO_BENCH_PAGE}/reply_time.html
+                   COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_SOURCE_DIR}/bench/reply_time.html
+                           ${KALVERO_BENCH_PAGE}/reply_time.html
+                   DEPENDS ${PROJECT_SOURCE_DIR}/bench/reply_time.html)
+add_custom_target(reply-time-page DEPENDS ${KALVERO_BENCH_PAGE}/reply_time.html)
+add_dependencies(kalvero4-reply-time reply-time-page)
 
 # The driver under Node, reading its script from standard input and its files from the disk.
 file(GLOB KALVERO_DRIVER_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/cli/*.cpp)
