@@ -20,6 +20,8 @@ var Page = (function () {
   var kDraw = { FillBlack: 0, CopyBackground: 1, Line: 2, FillCell: 3, Bitmap: 4, Text: 5 };
   var kBrushColours = [null, 'rgb(0,160,255)', 'rgb(255,210,0)', 'rgb(128,255,128)'];
   var kRasterModes = ['source-over', 'multiply', 'lighter'];  // copy, AND, OR on 0/255 pixels
+  var kRasterAnd = 1;
+  var kRasterOr = 2;
   var kAnswer = { Ok: 1, Cancel: 2, Yes: 6, No: 7 };
   var kDialogIds = [132, 161, 156, 103];  // home, characters, statistics, about
   var kOk = 1;
@@ -29,7 +31,9 @@ var Page = (function () {
 
   // Bitmaps by resource number, as the Windows program's resource script names them.
   var kPictureFiles = { 148: 'bg148', 154: 'mask154' };
-  [152, 153, 155, 156, 157, 158, 159, 160, 161].forEach(function (n) { kPictureFiles[n] = 'disc' + n; });
+  var kPieceMask = 154;
+  var kPieceSprites = [152, 153, 155, 156, 157, 158, 159, 160, 161];
+  kPieceSprites.forEach(function (n) { kPictureFiles[n] = 'disc' + n; });
   for (var p = 0; p < 14; ++p) kPictureFiles[30000 + p] = 'portrait' + (30000 + p);
 
   // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
@@ -47,7 +51,7 @@ var Page = (function () {
     outerWidth: 0, outerHeight: 0,
     queue: [], running: false, repaintWanted: false,
     modal: 0, ended: false, endRequested: false, endCode: 0, started: false, keepStorage: true,
-    lastPointer: null, framesShown: 0,
+    lastPointer: null, framesShown: 0, pendingMask: null, maskedSprites: {},
     dialog: null, dialogWaiters: [], dialogCommands: [],
     checks: {}, menuOpen: null,
   };
@@ -193,8 +197,61 @@ var Page = (function () {
     return 'rgb(' + (colour & 255) + ',' + ((colour >> 8) & 255) + ',' + ((colour >> 16) & 255) + ')';
   }
 
-  // One step of a frame's plan, in the back buffer.
+  // A piece is its mask drawn with AND, then its sprite with OR at the same place. Where the
+  // mask is black the two leave the sprite; where it is white the sprite is black and both
+  // leave the board. So the pair is drawn as one picture: the sprite, transparent where the
+  // mask is white. That is the same picture in one draw instead of two with two blend modes,
+  // which is what a full board's repaint spends its time on.
   function draw(kind, x, y, width, height, x2, y2, what, raster, colour, text) {
+    var mask = state.pendingMask;
+    if (mask) {
+      state.pendingMask = null;
+      var piece = kind === kDraw.Bitmap && raster === kRasterOr && x === mask.x && y === mask.y &&
+                  width === mask.width && height === mask.height && maskedSprite(mask.what, what);
+      if (piece) return state.backContext.drawImage(piece, x, y, width, height);
+      drawStep(kDraw.Bitmap, mask.x, mask.y, mask.width, mask.height, 0, 0, mask.what, kRasterAnd, 0, '');
+    }
+    if (kind === kDraw.Bitmap && raster === kRasterAnd) {
+      state.pendingMask = { what: what, x: x, y: y, width: width, height: height };
+      return;
+    }
+    drawStep(kind, x, y, width, height, x2, y2, what, raster, colour, text);
+  }
+
+  // The sprite transparent where the mask is white, made at start for every sprite with the
+  // pieces' mask; null for a pair that is not such a pair (a sprite that is not black wherever
+  // its mask is white), which is then drawn in two steps.
+  function maskedSprite(maskId, spriteId) {
+    return state.maskedSprites[maskId + ':' + spriteId] || null;
+  }
+
+  async function prepareMaskedSprites() {
+    var mask = state.pictures[kPieceMask];
+    if (!mask) return;
+    var canvas = makeCanvas(mask.width, mask.height);
+    var g = canvas.getContext('2d', { willReadFrequently: true });
+    g.drawImage(mask, 0, 0);
+    var m = g.getImageData(0, 0, canvas.width, canvas.height).data;
+    for (var id of kPieceSprites) {
+      var sprite = state.pictures[id];
+      if (!sprite || sprite.width !== mask.width || sprite.height !== mask.height) continue;
+      g.clearRect(0, 0, canvas.width, canvas.height);
+      g.drawImage(sprite, 0, 0);
+      var picture = g.getImageData(0, 0, canvas.width, canvas.height);
+      var p = picture.data, pair = true;
+      for (var i = 0; i < p.length && pair; i += 4) {
+        var maskBlack = m[i] === 0 && m[i + 1] === 0 && m[i + 2] === 0;
+        var maskWhite = m[i] === 255 && m[i + 1] === 255 && m[i + 2] === 255;
+        pair = maskBlack || (maskWhite && p[i] === 0 && p[i + 1] === 0 && p[i + 2] === 0);
+        p[i + 3] = maskBlack ? 255 : 0;
+      }
+      // A bitmap, not a canvas: a canvas read back on the processor is slow to draw from.
+      if (pair) state.maskedSprites[kPieceMask + ':' + id] = await createImageBitmap(picture);
+    }
+  }
+
+  // One step of a frame's plan, in the back buffer.
+  function drawStep(kind, x, y, width, height, x2, y2, what, raster, colour, text) {
     var g = state.backContext;
     switch (kind) {
       case kDraw.FillBlack:
@@ -244,6 +301,7 @@ var Page = (function () {
   }
 
   function present(sourceWidth, sourceHeight, x, y, width, height, smoothing, black) {
+    draw(-1);  // a mask still waiting for its sprite is drawn as it is
     var g = state.screenContext;
     g.imageSmoothingEnabled = smoothing;
     g.imageSmoothingQuality = 'high';
@@ -463,6 +521,7 @@ var Page = (function () {
         e.preventDefault();
         openMenu(null);
         menuCommand(command);
+        message('WebPassingMessages', [1]);  // the key's release, after the command
       } else if (e.key.length === 1 && e.key.charCodeAt(0) < 256) {
         e.preventDefault();
         message('WebChar', [e.key.charCodeAt(0)]);
@@ -875,7 +934,7 @@ var Page = (function () {
       if (document.visibilityState === 'hidden') storeNow();
     });
     window.addEventListener('pagehide', storeNow);
-    await Promise.all([loadPictures(), readStorage()]);
+    await Promise.all([loadPictures().then(prepareMaskedSprites), readStorage()]);
     state.started = true;
     post(function () { return call('WebStart'); });
   }

@@ -105,6 +105,14 @@ bool PaintFrame() {
   return true;
 }
 
+// Messages that the Windows program's handler takes no further than its first steps, but
+// counts there: the logical size follows the client area for the first ten messages after
+// start or a new board. The page delivers each event with the messages Windows delivers around
+// it, so that the size settles after as many of the player's actions as on Windows.
+void PassingMessages(int32_t count) {
+  for (int32_t i = 0; i < count; ++i) StartMessage(false);
+}
+
 }  // namespace
 
 void RequestRepaint() {
@@ -159,11 +167,19 @@ EMSCRIPTEN_KEEPALIVE void WebStart() {
   SetAllMenuChecks();
 }
 
-// The client area has a new size (also the first size of the window).
+// Messages with no handling of their own, such as the release of a key that was an accelerator.
+EMSCRIPTEN_KEEPALIVE void WebPassingMessages(int32_t count) {
+  PassingMessages(count);
+}
+
+// The client area has a new size (also the first size of the window): on Windows three
+// messages see the old client area (the position changing, the size limits, the frame's
+// calculation), then two the new one (the position changed, the size).
 EMSCRIPTEN_KEEPALIVE void WebResized(int32_t clientWidth, int32_t clientHeight) {
+  PassingMessages(3);
   Window.ClientWidth = clientWidth > 0 ? clientWidth : 0;
   Window.ClientHeight = clientHeight > 0 ? clientHeight : 0;
-  StartMessage(false);
+  PassingMessages(2);
 }
 
 // The first half of a repaint: the frame composed and presented. Returns 1 when the second
@@ -186,16 +202,23 @@ EMSCRIPTEN_KEEPALIVE void WebFinishRepaint() {
   FinishRepaintSteps();
 }
 
+// A pointer move: the hit test and the cursor's question come first.
 EMSCRIPTEN_KEEPALIVE void WebPointer(int32_t x, int32_t y) {
+  PassingMessages(2);
   if (StartMessage(false)) TrackPointer(x, y);
 }
 
+// The left button: pressed (the click), then released.
 EMSCRIPTEN_KEEPALIVE void WebClick() {
   if (StartMessage(false)) PlayAt(MouseX);
+  PassingMessages(1);
 }
 
+// A character key: pressed, its character, released.
 EMSCRIPTEN_KEEPALIVE void WebChar(int32_t c) {
+  PassingMessages(1);
   if (StartMessage(false)) PlayKey(static_cast<int8_t>(c & 0xFF));
+  PassingMessages(1);
 }
 
 EMSCRIPTEN_KEEPALIVE void WebCommand(int32_t command) {
