@@ -111,8 +111,7 @@ void DestroyMainWindow() {
 extern "C" {
 
 // The start of the program: the saved session, the generator, the title, the window at the
-// size of the saved board, its first repaint (the first game and the settings dialogs), then
-// the check marks.
+// size of the saved board and its first repaint (the first game and the settings dialogs).
 EMSCRIPTEN_KEEPALIVE void WebStart() {
   Window = WebWindowRecord{};
   LoadSaveFile();
@@ -121,7 +120,6 @@ EMSCRIPTEN_KEEPALIVE void WebStart() {
   ResizeMainWindow(BaseWindowWidth(SessionState.BoardSize),
                    BaseWindowHeight(SessionState.BoardSize));
   kv_request_repaint();
-  SetAllMenuChecks();
 }
 
 // The client area has a new size (also the first size of the window).
@@ -154,9 +152,13 @@ EMSCRIPTEN_KEEPALIVE int32_t WebReplyPending() {
 }
 
 // The second half: the first dialogs, the pending reply, one more repaint if asked. It may
-// wait for the player in a dialog.
+// wait for the player in a dialog. The check marks are set once the first dialogs are closed,
+// as the Windows program sets them after its first update: confirming the home dialog the
+// first time gives "Troujours carré" its stored value.
 EMSCRIPTEN_KEEPALIVE void WebFinishRepaint() {
+  const bool firstDialogs = RepaintOpensFirstDialogs();
   FinishRepaintSteps();
+  if (firstDialogs) SetAllMenuChecks();
 }
 
 EMSCRIPTEN_KEEPALIVE void WebPointer(int32_t x, int32_t y) {
