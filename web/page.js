@@ -79,10 +79,11 @@ var Page = (function () {
     return bytes;
   }
 
-  // A menu or control text: "&x" underlines x, "&&" is an ampersand, "\t" starts the key text.
-  function labelInto(element, text, noPrefix) {
+  // A menu or control text: "&x" underlines x, "&&" is an ampersand. In a menu entry "\t"
+  // starts the key text; in a control a tab is text, which a static control expands.
+  function labelInto(element, text, noPrefix, menuEntry) {
     element.textContent = '';
-    var tab = text.indexOf('\t');
+    var tab = menuEntry ? text.indexOf('\t') : -1;
     var main = tab >= 0 ? text.slice(0, tab) : text;
     for (var i = 0; i < main.length; ++i) {
       if (!noPrefix && main[i] === '&' && i + 1 < main.length) {
@@ -359,7 +360,7 @@ var Page = (function () {
       label.className = 'menu-label';
       var key = document.createElement('span');
       key.className = 'menu-key';
-      key.textContent = labelInto(label, item.text);
+      key.textContent = labelInto(label, item.text, false, true);
       row.append(check, label, key);
       if (item.items) {
         row.classList.add('menu-submenu');
