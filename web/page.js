@@ -762,9 +762,39 @@ var Page = (function () {
     return new Promise(function (resolve) {
       FS.syncfs(true, function (error) {
         if (error) console.warn('Kalvero 4: the browser storage could not be read', error);
+        takeLastCopy();
         resolve();
       });
     });
+  }
+
+  // A page that is closing or reloading is gone before FS.syncfs has finished, and the browser
+  // drops what it had not yet written. The save file written then is also kept whole in the
+  // page's synchronous storage; the next start takes it when it is newer than the stored one.
+  var kLastCopy = 'kalvero4-last-save-file';
+
+  function keepLastCopy() {
+    try {
+      var bytes = FS.readFile(kSaveFile);
+      localStorage.setItem(kLastCopy, JSON.stringify({
+        time: FS.stat(kSaveFile).mtime.getTime(), bytes: btoa(String.fromCharCode.apply(null, bytes)) }));
+    } catch (e) {
+      console.warn('Kalvero 4: the save file could not be kept', e);
+    }
+  }
+
+  function takeLastCopy() {
+    try {
+      var copy = JSON.parse(localStorage.getItem(kLastCopy));
+      localStorage.removeItem(kLastCopy);
+      var stored = FS.analyzePath(kSaveFile).exists ? FS.stat(kSaveFile).mtime.getTime() : -Infinity;
+      if (!copy || copy.time <= stored) return;
+      FS.writeFile(kSaveFile, Uint8Array.from(atob(copy.bytes), function (c) { return c.charCodeAt(0); }));
+      FS.utime(kSaveFile, copy.time, copy.time);
+      storeFiles();
+    } catch (e) {
+      console.warn('Kalvero 4: the last save file could not be read', e);
+    }
   }
 
   function storeFiles() {
@@ -805,6 +835,7 @@ var Page = (function () {
   function storeNow() {
     if (state.started && !state.ended && state.keepStorage && state.modal === 0 && !state.running) {
       Module._WebStoreNow();
+      keepLastCopy();
     }
   }
 
