@@ -2,6 +2,7 @@
 // Each is a thin step into the page (page.js); texts arrive as Windows-1252 bytes.
 mergeInto(LibraryManager.library, {
   kv_request_repaint: function () { Page.requestRepaint(); },
+  kv_repaint_begins: function () { Page.repaintBegins(); },
   kv_end_program: function (code) { Page.endProgram(code); },
   kv_set_title: function (normal) { Page.setTitle(normal !== 0); },
   kv_resize_window: function (width, height) { Page.resizeWindow(width, height); },

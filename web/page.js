@@ -83,10 +83,11 @@ var Page = (function () {
     return bytes;
   }
 
-  // A menu or control text: "&x" underlines x, "&&" is an ampersand, "\t" starts the key text.
-  function labelInto(element, text, noPrefix) {
+  // A menu or control text: "&x" underlines x, "&&" is an ampersand. In a menu entry "\t"
+  // starts the key text; in a control a tab is text, which a static control expands.
+  function labelInto(element, text, noPrefix, menuEntry) {
     element.textContent = '';
-    var tab = text.indexOf('\t');
+    var tab = menuEntry ? text.indexOf('\t') : -1;
     var main = tab >= 0 ? text.slice(0, tab) : text;
     for (var i = 0; i < main.length; ++i) {
       if (!noPrefix && main[i] === '&' && i + 1 < main.length) {
@@ -151,10 +152,13 @@ var Page = (function () {
 
   function nextFrame() { return new Promise(function (r) { requestAnimationFrame(function () { r(); }); }); }
 
+  // Requests before a repaint are met by it, as a window's pending repaint is by the repaint
+  // under way; a request made during it waits for the next frame.
   function requestRepaint() {
     if (state.repaintWanted || state.ended) return;
     state.repaintWanted = true;
     requestAnimationFrame(function () {
+      if (!state.repaintWanted) return;
       // Under a dialog or a box the window still repaints, as Windows repaints it during their
       // own message loop; such a repaint never waits for the player.
       if (state.modal > 0) return repaintNow();
@@ -162,14 +166,15 @@ var Page = (function () {
     });
   }
 
+  function repaintBegins() { state.repaintWanted = false; }
+
   function repaintNow() {
-    state.repaintWanted = false;
     if (Module._WebPaint()) Module._WebFinishRepaint();
   }
 
   // The frame reaches the screen first; when the computer is to think, under the wait cursor.
   async function repaint() {
-    state.repaintWanted = false;
+    if (!state.repaintWanted) return;
     if (!Module._WebPaint()) return;
     var thinking = Module._WebReplyPending() !== 0;
     if (thinking) {
@@ -417,7 +422,7 @@ var Page = (function () {
       label.className = 'menu-label';
       var key = document.createElement('span');
       key.className = 'menu-key';
-      key.textContent = labelInto(label, item.text);
+      key.textContent = labelInto(label, item.text, false, true);
       row.append(check, label, key);
       if (item.items) {
         row.classList.add('menu-submenu');
@@ -848,9 +853,39 @@ var Page = (function () {
     return new Promise(function (resolve) {
       FS.syncfs(true, function (error) {
         if (error) console.warn('Kalvero 4: the browser storage could not be read', error);
+        takeLastCopy();
         resolve();
       });
     });
+  }
+
+  // A page that is closing or reloading is gone before FS.syncfs has finished, and the browser
+  // drops what it had not yet written. The save file written then is also kept whole in the
+  // page's synchronous storage; the next start takes it when it is newer than the stored one.
+  var kLastCopy = 'kalvero4-last-save-file';
+
+  function keepLastCopy() {
+    try {
+      var bytes = FS.readFile(kSaveFile);
+      localStorage.setItem(kLastCopy, JSON.stringify({
+        time: FS.stat(kSaveFile).mtime.getTime(), bytes: btoa(String.fromCharCode.apply(null, bytes)) }));
+    } catch (e) {
+      console.warn('Kalvero 4: the save file could not be kept', e);
+    }
+  }
+
+  function takeLastCopy() {
+    try {
+      var copy = JSON.parse(localStorage.getItem(kLastCopy));
+      localStorage.removeItem(kLastCopy);
+      var stored = FS.analyzePath(kSaveFile).exists ? FS.stat(kSaveFile).mtime.getTime() : -Infinity;
+      if (!copy || copy.time <= stored) return;
+      FS.writeFile(kSaveFile, Uint8Array.from(atob(copy.bytes), function (c) { return c.charCodeAt(0); }));
+      FS.utime(kSaveFile, copy.time, copy.time);
+      storeFiles();
+    } catch (e) {
+      console.warn('Kalvero 4: the last save file could not be read', e);
+    }
   }
 
   function storeFiles() {
@@ -891,7 +926,10 @@ var Page = (function () {
   // Also while a dialog waits for the player: writing the file never waits, and what the
   // session holds then is what a closing tab must not lose.
   function storeNow() {
-    if (state.started && !state.ended && state.keepStorage) Module._WebStoreNow();
+    if (state.started && !state.ended && state.keepStorage) {
+      Module._WebStoreNow();
+      keepLastCopy();
+    }
   }
 
   // ----- Start and end -----------------------------------------------------------------------
@@ -941,7 +979,7 @@ var Page = (function () {
 
   return {
     decode: decode, decodeZ: decodeZ, encode: encode,
-    requestRepaint: requestRepaint, endProgram: endProgram, setTitle: setTitle,
+    requestRepaint: requestRepaint, repaintBegins: repaintBegins, endProgram: endProgram, setTitle: setTitle,
     resizeWindow: resizeWindow, setCheck: setCheck,
     draw: draw, refillBackground: refillBackground, present: present,
     ask: ask, openDialog: openDialog, closeDialog: closeDialog, nextDialogCommand: nextDialogCommand,

@@ -7,6 +7,7 @@
 extern "C" {
 // The window and its frame.
 void kv_request_repaint();
+void kv_repaint_begins();  // a repaint is under way: the requests made before it are met
 void kv_end_program(int32_t code);
 void kv_set_title(int32_t normalTitle);
 void kv_resize_window(int32_t width, int32_t height);

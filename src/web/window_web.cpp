@@ -94,6 +94,7 @@ void Present() {
 // The first half of a repaint: its message steps, the first game and background at the first
 // one, then the frame composed and presented. False when the repaint goes no further.
 bool PaintFrame() {
+  kv_repaint_begins();
   if (!StartMessage(true)) return false;
   if (SessionState.FirstPaint != 0 && !Window.BuffersCreated) {
     NewGame();
