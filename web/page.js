@@ -39,7 +39,7 @@ var Page = (function () {
   // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
   // descent, which is a 15-pixel em in the faces below; the text's top is its ascent above the
   // baseline.
-  var kFont = '15px Tahoma, "DejaVu Sans", Verdana, Arial, sans-serif';
+  var kFont = '15px Tahoma, Arial, "Liberation Sans", "DejaVu Sans", sans-serif';
   var kFontAscent = 15;
 
   var decoder = new TextDecoder('windows-1252');
@@ -657,9 +657,9 @@ var Page = (function () {
   // across, an eighth of the character height down.
   var kFontUnits = { 'MS Sans Serif': [6, 13], 'Arial': [6, 15], 'Tahoma': [6, 14], 'Comic Sans MS': [7, 18] };
   var kFontFaces = {
-    'MS Sans Serif': '11px "MS Sans Serif", Tahoma, "DejaVu Sans", Arial, sans-serif',
+    'MS Sans Serif': '11px "MS Sans Serif", Tahoma, Arial, "Liberation Sans", sans-serif',
     'Arial': '12px Arial, "Liberation Sans", "DejaVu Sans", sans-serif',
-    'Tahoma': '12px Tahoma, "DejaVu Sans", Verdana, sans-serif',
+    'Tahoma': '12px Tahoma, Arial, "Liberation Sans", sans-serif',
     'Comic Sans MS': '13px "Comic Sans MS", "Comic Neue", "DejaVu Sans", sans-serif',
   };
   // What the Windows dialogs draw themselves in place of their buttons' texts.
@@ -775,6 +775,9 @@ var Page = (function () {
       el = document.createElement('div');
       el.className = 'static';
       if (style.indexOf('SS_RIGHT') >= 0) el.style.textAlign = 'right';
+      // A static one line high never wraps: in a face wider than the dialog's own, its last
+      // word runs on rather than onto a line that is not shown.
+      if (t.rect[3] < 16) el.classList.add('one-line');
       var noPrefix = style.indexOf('SS_NOPREFIX') >= 0;
       el.setText = function (text) { labelInto(el, text, noPrefix); };
       el.setText(t.text);
