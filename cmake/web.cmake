@@ -2,8 +2,12 @@
 # driver as WebAssembly under Node, which plays the recorded transcripts as a test.
 
 # Debian's emcc runs its tools with Node and needs Node to find Debian's own modules, also when
-# another Node comes first on the PATH.
+# another Node comes first on the PATH: every compile and link of this build runs with it, not
+# only those started through the presets.
 set(ENV{NODE_PATH} /usr/share/nodejs)
+set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs)
+set(CMAKE_CXX_LINKER_LAUNCHER ${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs)
+set_target_properties(kalvero_core PROPERTIES CXX_COMPILER_LAUNCHER "${CMAKE_CXX_COMPILER_LAUNCHER}")
 set(KALVERO_SITE ${CMAKE_BINARY_DIR}/site)
 set(KALVERO_PAGE ${PROJECT_SOURCE_DIR}/web)
 
