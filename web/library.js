@@ -3,7 +3,7 @@
 mergeInto(LibraryManager.library, {
   kv_request_repaint: function () { Page.requestRepaint(); },
   kv_repaint_begins: function () { Page.repaintBegins(); },
-  kv_end_program: function (code) { Page.endProgram(code); },
+  kv_end_program: function () { Page.endProgram(); },
   kv_set_title: function (normal) { Page.setTitle(normal !== 0); },
   kv_resize_window: function (width, height) { Page.resizeWindow(width, height); },
   kv_set_check: function (command, checked) { Page.setCheck(command, checked !== 0); },

@@ -50,7 +50,7 @@ var Page = (function () {
     screen: null, screenContext: null,
     outerWidth: 0, outerHeight: 0,
     queue: [], running: false, repaintWanted: false,
-    modal: 0, ended: false, endRequested: false, endCode: 0, started: false, keepStorage: true,
+    modal: 0, ended: false, endRequested: false, started: false, keepStorage: true,
     lastPointer: null, framesShown: 0, pendingMask: null, maskedSprites: {},
     dialog: null, dialogWaiters: [], dialogCommands: [],
     checks: {}, menuOpen: null,
@@ -142,7 +142,7 @@ var Page = (function () {
 
   function fail(e) {
     // The program's own exit (the engine's allocation failure) ends it as any other end does.
-    if (e && e.name === 'ExitStatus') return endProgram(e.status);
+    if (e && e.name === 'ExitStatus') return endProgram();
     console.error(e);
     state.ended = true;
     showEnded('Kalvero 4 s\'est arrêté sur une erreur.');
@@ -937,9 +937,10 @@ var Page = (function () {
 
   // ----- Start and end -----------------------------------------------------------------------
 
-  function endProgram(code) {
+  // The exit code is always 0 but for the engine's allocation failure, whose message is already
+  // in the console: the page ends the same way for both.
+  function endProgram() {
     state.endRequested = true;
-    state.endCode = code;
   }
 
   async function finishProgram() {
@@ -995,5 +996,5 @@ var Page = (function () {
 
 Module.onRuntimeInitialized = function () { Page.start(); };
 // The engine's allocation failure writes its message to the console and ends the program.
-Module.onExit = function (code) { Page.endProgram(code); };
+Module.onExit = function () { Page.endProgram(); };
 Module.onAbort = function (what) { Page.fail(what); };

@@ -6,8 +6,8 @@ import functools
 import http.server
 import io
 import threading
-import time
 
+from desktop import wait  # the suites poll alike
 from PIL import Image
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
@@ -28,14 +28,6 @@ const out = {message: box.querySelector('.message-text')?.textContent};
 box.querySelectorAll('[data-control]').forEach(c => out[c.dataset.control] = [
     c.value ?? c.textContent, c.querySelector('input')?.checked ?? null]);
 return out;"""
-
-
-def wait(what, condition, timeout=15.0):
-    limit = time.monotonic() + timeout
-    while not (value := condition()):
-        assert time.monotonic() < limit, f"timed out after {timeout:.0f} s waiting for {what}"
-        time.sleep(0.05)
-    return value
 
 
 class Handler(http.server.SimpleHTTPRequestHandler):
