@@ -10,6 +10,15 @@ set(CMAKE_CXX_LINKER_LAUNCHER ${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodej
 set_target_properties(kalvero_core PROPERTIES CXX_COMPILER_LAUNCHER "${CMAKE_CXX_COMPILER_LAUNCHER}")
 set(KALVERO_SITE ${CMAKE_BINARY_DIR}/site)
 set(KALVERO_PAGE ${PROJECT_SOURCE_DIR}/web)
+# The page's rooms, in the order they are joined (web/page.js maps them).
+set(KALVERO_PAGE_ROOMS page texts queue painting frame menus input boxes dialogs storage start)
+set(KALVERO_PAGE_SCRIPTS)
+set(KALVERO_PAGE_PRE_JS)
+foreach(room IN LISTS KALVERO_PAGE_ROOMS)
+  list(APPEND KALVERO_PAGE_SCRIPTS ${KALVERO_PAGE}/${room}.js)
+  # SHELL: keeps each --pre-js with its file; CMake would fold repeated options into one.
+  list(APPEND KALVERO_PAGE_PRE_JS "SHELL:--pre-js ${KALVERO_PAGE}/${room}.js")
+endforeach()
 
 file(GLOB KALVERO_WEB_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/web/*.cpp)
 add_executable(kalvero4 ${KALVERO_WEB_SOURCES})
@@ -31,9 +40,9 @@ target_link_options(kalvero4 PRIVATE
   -lidbfs.js
   "-sEXPORTED_RUNTIME_METHODS=['ccall','FS']"
   --js-library ${KALVERO_PAGE}/library.js
-  --pre-js ${KALVERO_PAGE}/page.js)
+  ${KALVERO_PAGE_PRE_JS})
 set_property(TARGET kalvero4 APPEND PROPERTY LINK_DEPENDS
-             ${KALVERO_PAGE}/library.js ${KALVERO_PAGE}/page.js)
+             ${KALVERO_PAGE}/library.js ${KALVERO_PAGE_SCRIPTS})
 
 # The page and the pictures it draws, beside the program. The pictures are the Windows
 # program's own bitmaps and icons, which browsers read as they are.

@@ -1,0 +1,184 @@
+// Painting: each step of a frame's plan drawn into the back buffer, the background, the
+// presentation of the frame on the screen canvas, and the pictures the plan names.
+(function (Page) {
+  'use strict';
+  var state = Page.state;
+
+  var kBufferSide = 660;
+
+  // Numbers shared with the game: drawing steps, brushes, raster operations, box flags.
+  var kDraw = { FillBlack: 0, CopyBackground: 1, Line: 2, FillCell: 3, Bitmap: 4, Text: 5 };
+  var kBrushColours = [null, 'rgb(0,160,255)', 'rgb(255,210,0)', 'rgb(128,255,128)'];
+  var kRasterModes = ['source-over', 'multiply', 'lighter'];  // copy, AND, OR on 0/255 pixels
+  var kRasterAnd = 1;
+  var kRasterOr = 2;
+
+  // Bitmaps by resource number, as the Windows program's resource script names them.
+  var kPictureFiles = { 148: 'bg148', 154: 'mask154' };
+  var kPieceMask = 154;
+  var kPieceSprites = [152, 153, 155, 156, 157, 158, 159, 160, 161];
+  kPieceSprites.forEach(function (n) { kPictureFiles[n] = 'disc' + n; });
+  for (var p = 0; p < 14; ++p) kPictureFiles[30000 + p] = 'portrait' + (30000 + p);
+
+  // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
+  // descent, which is a 15-pixel em in the faces below; the text's top is its ascent above the
+  // baseline.
+  var kFont = '15px Tahoma, Arial, "Liberation Sans", "DejaVu Sans", sans-serif';
+  var kFontAscent = 15;
+
+  // The back buffer and the background, both of the largest logical size, and the screen.
+  function preparePainting(screen) {
+    state.back = makeCanvas(kBufferSide, kBufferSide);
+    state.backContext = state.back.getContext('2d');
+    state.background = makeCanvas(kBufferSide, kBufferSide);
+    state.backgroundContext = state.background.getContext('2d');
+    state.backgroundContext.imageSmoothingEnabled = false;
+    state.backContext.imageSmoothingEnabled = false;
+    state.screen = screen;
+    state.screenContext = screen.getContext('2d');
+  }
+
+  function makeCanvas(width, height) {
+    var canvas = document.createElement('canvas');
+    canvas.width = width;
+    canvas.height = height;
+    return canvas;
+  }
+
+  function css(colour) {
+    return 'rgb(' + (colour & 255) + ',' + ((colour >> 8) & 255) + ',' + ((colour >> 16) & 255) + ')';
+  }
+
+  // A piece is its mask drawn with AND, then its sprite with OR at the same place. Where the
+  // mask is black the two leave the sprite; where it is white the sprite is black and both
+  // leave the board. So the pair is drawn as one picture: the sprite, transparent where the
+  // mask is white. That is the same picture in one draw instead of two with two blend modes,
+  // which is what a full board's repaint spends its time on.
+  function draw(kind, x, y, width, height, x2, y2, what, raster, colour, text) {
+    var mask = state.pendingMask;
+    if (mask) {
+      state.pendingMask = null;
+      var piece = kind === kDraw.Bitmap && raster === kRasterOr && x === mask.x && y === mask.y &&
+                  width === mask.width && height === mask.height && maskedSprite(mask.what, what);
+      if (piece) return state.backContext.drawImage(piece, x, y, width, height);
+      drawStep(kDraw.Bitmap, mask.x, mask.y, mask.width, mask.height, 0, 0, mask.what, kRasterAnd, 0, '');
+    }
+    if (kind === kDraw.Bitmap && raster === kRasterAnd) {
+      state.pendingMask = { what: what, x: x, y: y, width: width, height: height };
+      return;
+    }
+    drawStep(kind, x, y, width, height, x2, y2, what, raster, colour, text);
+  }
+
+  // The sprite transparent where the mask is white, made at start for every sprite with the
+  // pieces' mask; null for a pair that is not such a pair (a sprite that is not black wherever
+  // its mask is white), which is then drawn in two steps.
+  function maskedSprite(maskId, spriteId) {
+    return state.maskedSprites[maskId + ':' + spriteId] || null;
+  }
+
+  async function prepareMaskedSprites() {
+    var mask = state.pictures[kPieceMask];
+    if (!mask) return;
+    var canvas = makeCanvas(mask.width, mask.height);
+    var g = canvas.getContext('2d', { willReadFrequently: true });
+    g.drawImage(mask, 0, 0);
+    var m = g.getImageData(0, 0, canvas.width, canvas.height).data;
+    for (var id of kPieceSprites) {
+      var sprite = state.pictures[id];
+      if (!sprite || sprite.width !== mask.width || sprite.height !== mask.height) continue;
+      g.clearRect(0, 0, canvas.width, canvas.height);
+      g.drawImage(sprite, 0, 0);
+      var picture = g.getImageData(0, 0, canvas.width, canvas.height);
+      var p = picture.data, pair = true;
+      for (var i = 0; i < p.length && pair; i += 4) {
+        var maskBlack = m[i] === 0 && m[i + 1] === 0 && m[i + 2] === 0;
+        var maskWhite = m[i] === 255 && m[i + 1] === 255 && m[i + 2] === 255;
+        pair = maskBlack || (maskWhite && p[i] === 0 && p[i + 1] === 0 && p[i + 2] === 0);
+        p[i + 3] = maskBlack ? 255 : 0;
+      }
+      // A bitmap, not a canvas: a canvas read back on the processor is slow to draw from.
+      if (pair) state.maskedSprites[kPieceMask + ':' + id] = await createImageBitmap(picture);
+    }
+  }
+
+  // One step of a frame's plan, in the back buffer.
+  function drawStep(kind, x, y, width, height, x2, y2, what, raster, colour, text) {
+    var g = state.backContext;
+    switch (kind) {
+      case kDraw.FillBlack:
+        g.fillStyle = '#000';
+        g.fillRect(x, y, width, height);
+        break;
+      case kDraw.CopyBackground:
+        if (width > 0 && height > 0) g.drawImage(state.background, x, y, width, height, x, y, width, height);
+        break;
+      case kDraw.Line:
+        // The board's lines run along a row or a column; the end point is not drawn.
+        g.fillStyle = 'rgb(0,192,255)';
+        if (y === y2) g.fillRect(Math.min(x, x2 + 1), y, Math.abs(x2 - x), 1);
+        else if (x === x2) g.fillRect(x, Math.min(y, y2 + 1), 1, Math.abs(y2 - y));
+        break;
+      case kDraw.FillCell:
+        if (kBrushColours[what]) {
+          g.fillStyle = kBrushColours[what];
+          g.fillRect(x, y, width, height);
+        }
+        break;
+      case kDraw.Bitmap: {
+        var picture = state.pictures[what];
+        if (!picture || width <= 0 || height <= 0) break;  // a missing picture draws nothing
+        g.globalCompositeOperation = kRasterModes[raster] || 'source-over';
+        g.drawImage(picture, x, y, width, height);
+        g.globalCompositeOperation = 'source-over';
+        break;
+      }
+      case kDraw.Text:
+        g.font = kFont;
+        g.textBaseline = 'alphabetic';
+        g.fillStyle = css(colour);
+        g.fillText(text, x, y + kFontAscent);
+        break;
+    }
+  }
+
+  // The background picture (one black pixel above one dark blue one) at the logical size,
+  // repeated pixel for pixel, never blended.
+  function refillBackground(width, height) {
+    var g = state.backgroundContext;
+    g.fillStyle = '#000';
+    g.fillRect(0, 0, kBufferSide, kBufferSide);
+    var picture = state.pictures[148];
+    if (picture && width > 0 && height > 0) g.drawImage(picture, 0, 0, width, height);
+  }
+
+  function present(sourceWidth, sourceHeight, x, y, width, height, smoothing, black) {
+    draw(-1);  // a mask still waiting for its sprite is drawn as it is
+    var g = state.screenContext;
+    g.imageSmoothingEnabled = smoothing;
+    g.imageSmoothingQuality = 'high';
+    if (width > 0 && height > 0 && sourceWidth > 0 && sourceHeight > 0) {
+      g.drawImage(state.back, 0, 0, sourceWidth, sourceHeight, x, y, width, height);
+    }
+    g.fillStyle = '#000';
+    for (var i = 0; i + 3 < black.length; i += 4) g.fillRect(black[i], black[i + 1], black[i + 2], black[i + 3]);
+    // The moment the first frame is on the screen, for measuring the start.
+    if (!state.framesShown++) performance.mark('kalvero4-first-frame');
+  }
+
+  function loadPictures() {
+    return Promise.all(Object.keys(kPictureFiles).map(function (id) {
+      return new Promise(function (resolve) {
+        var image = new Image();
+        image.onload = function () { state.pictures[id] = image; resolve(); };
+        image.onerror = function () { resolve(); };  // drawn as nothing, as a missing resource
+        image.src = 'pictures/' + kPictureFiles[id] + '.bmp';
+      });
+    }));
+  }
+
+  Object.assign(Page, {
+    preparePainting: preparePainting, draw: draw, prepareMaskedSprites: prepareMaskedSprites,
+    refillBackground: refillBackground, present: present, loadPictures: loadPictures,
+  });
+})(Page);
