@@ -146,6 +146,37 @@ TEST_F(TurnFlowTest, StatusLineOfTheGridFrame) {
   });
 }
 
+// A host asks ReplyPending before the end of a repaint to show the wait cursor: it must say yes
+// exactly when RunPendingReplies then replies (and asks for a repaint), for either opponent and
+// whether or not the engine's game has been opened.
+TEST_F(TurnFlowTest, ReplyPendingIsTrueExactlyWhenTheRepaintReplies) {
+  // clang-format off
+  struct Row { const char* Name; int32_t Ai; bool NewGame, Click; int32_t Pending, EngineSide;
+               bool Expected; };
+  const Row rows[] = {
+    {"SquareMoveAwaitsCheck",        3, true,  true,  -1, -1, true},
+    {"SquareNoMove",                 3, true,  false, -1, -1, false},
+    {"SquareEngineSideIsNotItsTurn", 3, true,  false,  1,  0, false},
+    {"EngineAfterHumanMove",        10, true,  true,  -1, -1, true},
+    {"EngineHumanToMove",           10, true,  false, -1,  1, false},
+    {"EngineTurnGameNotOpen",       10, false, false,  1,  0, false},
+    {"EngineIgnoresSquarePending",  10, true,  false,  2,  1, false},
+  };
+  // clang-format on
+  ForEachRow(rows, [](const Row& row) {
+    SessionState.AiNumber = row.Ai;
+    if (row.NewGame) NewGame();
+    if (row.Click) PlayAt(95);
+    if (row.Pending >= 0) SessionState.PendingTurn = row.Pending;
+    if (row.EngineSide >= 0) SessionState.EngineSideToMove = row.EngineSide;
+    const bool pending = ReplyPending();
+    FakePlatform.RepaintRequests = 0;
+    RunPendingReplies();
+    EXPECT_EQ(pending, row.Expected);
+    EXPECT_EQ(FakePlatform.RepaintRequests > 0, pending) << "the repaint's reply disagrees";
+  });
+}
+
 TEST_F(TurnFlowTest, CloseSessionCountsAStartedUndecidedGameOnceAndAlwaysSaves) {
   // clang-format off
   struct Row { const char* Name; int32_t Started, Result, QuitByMenu, Lost; };

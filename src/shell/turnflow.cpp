@@ -41,15 +41,34 @@ void PlayKey(int8_t c) {
   PlayAt(kCellPixels * (c - '0'));
 }
 
+namespace {
+
+// The two replies are for different opponents, so at most one of them is pending.
+bool SquareReplyPending() {
+  const SessionRecord& s = SessionState;
+  return s.PendingTurn == 2 && !PlaysWithEngine(s.AiNumber);
+}
+
+bool EngineReplyPending() {
+  const SessionRecord& s = SessionState;
+  return s.EngineSideToMove == 0 && PlaysWithEngine(s.AiNumber) && EngineGameOpen();
+}
+
+}  // namespace
+
+bool ReplyPending() {
+  return SquareReplyPending() || EngineReplyPending();
+}
+
 void RunPendingReplies() {
   SessionRecord& s = SessionState;
-  if (s.PendingTurn == 2 && !PlaysWithEngine(s.AiNumber)) {
+  if (SquareReplyPending()) {
     s.GameStarted = 1;
     PlayTurn(MouseX);
     RequestRepaint();
     s.PendingTurn = 1;
   }
-  if (s.EngineSideToMove == 0 && PlaysWithEngine(s.AiNumber) && EngineGameOpen()) {
+  if (EngineReplyPending()) {
     s.GameStarted = 1;
     EngineChooseAndPlay(0, EngineSearchDepth());
     RequestRepaint();

@@ -16,6 +16,11 @@ void PlayKey(int8_t c);
 // engine's move. Called at the end of every repaint.
 void RunPendingReplies();
 
+// Whether RunPendingReplies would make the computer reply now: a move on the square board awaits
+// its check, or it is the engine's turn in an engine game that is open. A host asks it before
+// the end of a repaint, to show the wait cursor and let the frame reach the screen first.
+bool ReplyPending();
+
 // The closing steps when the main window is destroyed: a started, undecided game that the menu
 // has not already counted is lost; the save file is written; the message loop ends.
 void CloseSession(int32_t section);
