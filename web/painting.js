@@ -8,7 +8,7 @@
 
   // Numbers shared with the game: drawing steps, brushes, raster operations, box flags.
   var kDraw = { FillBlack: 0, CopyBackground: 1, Line: 2, FillCell: 3, Bitmap: 4, Text: 5 };
-  var kBrushColours = [null, 'rgb(0,160,255)', 'rgb(255,210,0)', 'rgb(128,255,128)'];
+  var kNoBrush = 0;  // the other brushes' colours come with each step of the plan
   var kRasterModes = ['source-over', 'multiply', 'lighter'];  // copy, AND, OR on 0/255 pixels
   var kRasterAnd = 1;
   var kRasterOr = 2;
@@ -115,13 +115,13 @@
         break;
       case kDraw.Line:
         // The board's lines run along a row or a column; the end point is not drawn.
-        g.fillStyle = 'rgb(0,192,255)';
+        g.fillStyle = css(colour);
         if (y === y2) g.fillRect(Math.min(x, x2 + 1), y, Math.abs(x2 - x), 1);
         else if (x === x2) g.fillRect(x, Math.min(y, y2 + 1), 1, Math.abs(y2 - y));
         break;
       case kDraw.FillCell:
-        if (kBrushColours[what]) {
-          g.fillStyle = kBrushColours[what];
+        if (what !== kNoBrush) {
+          g.fillStyle = css(colour);
           g.fillRect(x, y, width, height);
         }
         break;
