@@ -4,7 +4,9 @@
   'use strict';
   var state = Page.state;
 
-  var kBufferSide = 660;
+  // The numbers and the picture map come from the core and the resource script at build time
+  // (tools/make_page_resources.py), never typed here again.
+  var kBufferSide = KalveroResources.core.kBufferSide;
 
   // Numbers shared with the game: drawing steps, brushes, raster operations, box flags.
   var kDraw = { FillBlack: 0, CopyBackground: 1, Line: 2, FillCell: 3, Bitmap: 4, Text: 5 };
@@ -13,12 +15,17 @@
   var kRasterAnd = 1;
   var kRasterOr = 2;
 
-  // Bitmaps by resource number, as the Windows program's resource script names them.
-  var kPictureFiles = { 148: 'bg148', 154: 'mask154' };
-  var kPieceMask = 154;
-  var kPieceSprites = [152, 153, 155, 156, 157, 158, 159, 160, 161];
-  kPieceSprites.forEach(function (n) { kPictureFiles[n] = 'disc' + n; });
-  for (var p = 0; p < 14; ++p) kPictureFiles[30000 + p] = 'portrait' + (30000 + p);
+  // Bitmaps by resource number, by the names of their files in the resource script
+  // (pictures/NAME.bmp, where the site keeps them too).
+  var kPictureFiles = {};
+  Object.keys(KalveroResources.pictures).forEach(function (id) {
+    kPictureFiles[id] = KalveroResources.pictures[id].replace(/^pictures\/|\.bmp$/g, '');
+  });
+  var kBackground = KalveroResources.ids.IDB_BACKGROUND;
+  var kPieceMask = KalveroResources.ids.IDB_DISC_MASK;
+  // Every other picture may be a piece's sprite: those of the mask's size that pair with it are
+  // drawn as one picture (prepareMaskedSprites), the rest as they are.
+  var kPieceSprites = Object.keys(kPictureFiles).map(Number).filter(function (id) { return id !== kPieceMask; });
 
   // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
   // descent, which is a 15-pixel em in the faces below; the text's top is its ascent above the
@@ -148,7 +155,7 @@
     var g = state.backgroundContext;
     g.fillStyle = '#000';
     g.fillRect(0, 0, kBufferSide, kBufferSide);
-    var picture = state.pictures[148];
+    var picture = state.pictures[kBackground];
     if (picture && width > 0 && height > 0) g.drawImage(picture, 0, 0, width, height);
   }
 
