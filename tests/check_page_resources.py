@@ -46,16 +46,25 @@ def check(resources, depends):
     scripts = {p.name: p.read_text(encoding="utf-8") for p in sorted((ROOT / "web").glob("*.js"))}
 
     # What the page reads: every section, and every named number of the core and of resource.h.
-    used = [(name, m) for name, text in scripts.items()
-            for m in re.finditer(r"KalveroResources\.(\w+)(?:\.(\w+))?", text)]
-    if not any(m.group(1) in ("core", "ids") for _, m in used):
+    # An enumeration is read by its members, directly or through a name the script gives it
+    # (`var kDraw = KalveroResources.core.DrawKind;` then `kDraw.Line`).
+    used = []
+    for name, text in scripts.items():
+        for m in re.finditer(r"KalveroResources\.(\w+)(?:\.(\w+))?(?:\.(\w+))?", text):
+            used.append((name, m.groups()))
+        for alias, enum in re.findall(r"var (k\w+) = KalveroResources\.core\.(\w+);", text):
+            used += [(name, ("core", enum, member))
+                     for member in re.findall(rf"\b{alias}\.(\w+)", text)]
+    if not any(section in ("core", "ids") for _, (section, _, _) in used):
         faults.append("the page reads no number from the generated resources: the check is blind")
-    for name, m in used:
-        section, key = m.group(1), m.group(2)
-        if section not in resources:
+    for name, (section, key, member) in used:
+        made = resources.get(section)
+        if made is None:
             faults.append(f"{name} reads KalveroResources.{section}, which is not made")
-        elif section in ("core", "ids") and key not in resources[section]:
+        elif section in ("core", "ids") and key not in made:
             faults.append(f"{name} reads KalveroResources.{section}.{key}, which is not made")
+        elif section == "core" and member and member not in made[key]:
+            faults.append(f"{name} reads {key}.{member}, which the core does not name")
 
     # Every bitmap the game draws by number has its picture, where the site copies it from.
     ids, pictures = resources["ids"], resources["pictures"]

@@ -22,19 +22,27 @@ from pathlib import Path
 # The resource script and its numbers, and the core's headers whose constants the page uses.
 RESOURCE_SCRIPT = "resources/kalvero4.rc"
 RESOURCE_NUMBERS = "resources/resource.h"
-CORE_HEADERS = ["ground/platform.h", "dialogs/dialog_host.h", "render/viewport.h"]
+CORE_HEADERS = ["ground/platform.h", "dialogs/dialog_host.h", "render/viewport.h",
+                "render/board_plan.h"]
 
 # The numbers that the .rc takes from the platform's headers, as the core names them.
 PLATFORM_IDS = {"IDOK": "kOkControl", "IDCANCEL": "kCancelControl"}
 
 
 def read_constants(paths):
-    """The core's integer constants (`constexpr TYPE kName = NUMBER;`) of the given headers."""
+    """The core's integer constants (`constexpr TYPE kName = NUMBER;`) of the given headers, and
+    its enumerations (`enum class Name { A, B, C };`, numbered from 0 as C++ numbers them) as
+    {"Name": {"A": 0, ...}}."""
     constants = {}
     for path in paths:
         text = open(path, encoding="cp1252").read()
         for name, value in re.findall(r"^constexpr [\w:]+ (k\w+) = (0x[0-9A-Fa-f]+|-?\d+);", text, re.M):
             constants[name] = int(value, 0)
+        for name, body in re.findall(r"^enum class (\w+) \{(.*?)\};", text, re.M | re.S):
+            words = [w.strip() for w in re.sub(r"//[^\n]*", "", body).split(",") if w.strip()]
+            if any(not re.fullmatch(r"\w+", w) for w in words):
+                sys.exit(f"{path}: enum class {name} sets its own numbers, which this script does not read")
+            constants[name] = {w: i for i, w in enumerate(words)}
     return constants
 
 

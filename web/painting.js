@@ -8,12 +8,17 @@
   // (tools/make_page_resources.py), never typed here again.
   var kBufferSide = KalveroResources.core.kBufferSide;
 
-  // Numbers shared with the game: drawing steps, brushes, raster operations, box flags.
-  var kDraw = { FillBlack: 0, CopyBackground: 1, Line: 2, FillCell: 3, Bitmap: 4, Text: 5 };
-  var kNoBrush = 0;  // the other brushes' colours come with each step of the plan
-  var kRasterModes = ['source-over', 'multiply', 'lighter'];  // copy, AND, OR on 0/255 pixels
-  var kRasterAnd = 1;
-  var kRasterOr = 2;
+  // The plan's drawing steps, brushes and raster operations, as the core numbers them. A marked
+  // cell's brush and a line's pen come with their colours in each step.
+  var kDraw = KalveroResources.core.DrawKind;
+  var kNoBrush = KalveroResources.core.CellBrush.None;
+  var kRaster = KalveroResources.core.RasterOp;
+  var kRasterAnd = kRaster.And;
+  var kRasterOr = kRaster.Or;
+  var kRasterModes = {};  // copy, AND, OR on 0/255 pixels
+  kRasterModes[kRaster.Copy] = 'source-over';
+  kRasterModes[kRaster.And] = 'multiply';
+  kRasterModes[kRaster.Or] = 'lighter';
 
   // Bitmaps by resource number, by the names of their files in the resource script
   // (pictures/NAME.bmp, where the site keeps them too).
