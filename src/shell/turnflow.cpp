@@ -41,38 +41,20 @@ void PlayKey(int8_t c) {
   PlayAt(kCellPixels * (c - '0'));
 }
 
-namespace {
-
-// The two replies are for different opponents, so at most one of them is pending.
-bool SquareReplyPending() {
-  const SessionRecord& s = SessionState;
-  return s.PendingTurn == 2 && !PlaysWithEngine(s.AiNumber);
-}
-
-bool EngineReplyPending() {
-  const SessionRecord& s = SessionState;
-  return s.EngineSideToMove == 0 && PlaysWithEngine(s.AiNumber) && EngineGameOpen();
-}
-
-}  // namespace
-
-bool ReplyPending() {
-  return SquareReplyPending() || EngineReplyPending();
-}
-
+// Whether to reply is ReplyPending's decision alone, so that what a host or the status line
+// shows beforehand is what happens here.
 void RunPendingReplies() {
   SessionRecord& s = SessionState;
-  if (SquareReplyPending()) {
-    s.GameStarted = 1;
-    PlayTurn(MouseX);
-    RequestRepaint();
-    s.PendingTurn = 1;
-  }
-  if (EngineReplyPending()) {
-    s.GameStarted = 1;
+  if (!ReplyPending()) return;
+  s.GameStarted = 1;
+  if (PlaysWithEngine(s.AiNumber)) {
     EngineChooseAndPlay(0, EngineSearchDepth());
     RequestRepaint();
     s.EngineSideToMove = 1;
+  } else {
+    PlayTurn(MouseX);
+    RequestRepaint();
+    s.PendingTurn = 1;
   }
 }
 

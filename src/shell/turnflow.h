@@ -12,14 +12,9 @@ void PlayAt(int32_t x);
 // "9" the further ones. Keys below "1" or beyond the board's last column + 1 are ignored.
 void PlayKey(int8_t c);
 
-// The second step of a move, if one is pending: the check and the computer's reply, or the
-// engine's move. Called at the end of every repaint.
+// The second step of a move, if one is pending (ReplyPending, opponents/turn.h): the check and
+// the computer's reply, or the engine's move. Called at the end of every repaint.
 void RunPendingReplies();
-
-// Whether RunPendingReplies would make the computer reply now: a move on the square board awaits
-// its check, or it is the engine's turn in an engine game that is open. A host asks it before
-// the end of a repaint, to show the wait cursor and let the frame reach the screen first.
-bool ReplyPending();
 
 // The closing steps when the main window is destroyed: a started, undecided game that the menu
 // has not already counted is lost; the save file is written; the message loop ends.

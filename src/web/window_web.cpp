@@ -10,6 +10,7 @@
 #include "ground/savefile.h"
 #include "ground/session.h"
 #include "opponents/new_game.h"
+#include "opponents/turn.h"
 #include "render/board_plan.h"
 #include "render/viewport.h"
 #include "shell/menu_commands.h"
