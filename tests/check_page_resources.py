@@ -46,22 +46,23 @@ def check(resources, depends):
     scripts = {p.name: p.read_text(encoding="utf-8") for p in sorted((ROOT / "web").glob("*.js"))}
 
     # What the page reads: every section, and every named number of the core and of resource.h.
-    # An enumeration is read by its members, directly or through a name the script gives it
-    # (`var kDraw = KalveroResources.core.DrawKind;` then `kDraw.Line`).
+    # A number or an enumeration's member is read directly or through a name the script gives
+    # its section or enumeration (`var kDraw = KalveroResources.core.DrawKind;`, `kDraw.Line`).
     used = []
     for name, text in scripts.items():
         for m in re.finditer(r"KalveroResources\.(\w+)(?:\.(\w+))?(?:\.(\w+))?", text):
             used.append((name, m.groups()))
-        for alias, enum in re.findall(r"var (k\w+) = KalveroResources\.core\.(\w+);", text):
-            used += [(name, ("core", enum, member))
-                     for member in re.findall(rf"\b{alias}\.(\w+)", text)]
+        for alias, section, key in re.findall(
+                r"var (\w+) = KalveroResources\.(core|ids)(?:\.(\w+))?;", text):
+            for word in re.findall(rf"\b{alias}\.(\w+)", text):
+                used.append((name, (section, key, word) if key else (section, word, None)))
     if not any(section in ("core", "ids") for _, (section, _, _) in used):
         faults.append("the page reads no number from the generated resources: the check is blind")
     for name, (section, key, member) in used:
         made = resources.get(section)
         if made is None:
             faults.append(f"{name} reads KalveroResources.{section}, which is not made")
-        elif section in ("core", "ids") and key not in made:
+        elif section in ("core", "ids") and key is not None and key not in made:
             faults.append(f"{name} reads KalveroResources.{section}.{key}, which is not made")
         elif section == "core" and member and member not in made[key]:
             faults.append(f"{name} reads {key}.{member}, which the core does not name")
@@ -71,11 +72,14 @@ def check(resources, depends):
     for name, number in ids.items():
         if name.startswith("IDB_") and name != "IDB_PORTRAIT_FIRST" and str(number) not in pictures:
             faults.append(f"{name} ({number}) has no picture in the page's map")
-    for number, path in pictures.items():
-        if not re.fullmatch(r"pictures/[\w.]+\.bmp", path):
+    for number, path in {**pictures, **resources["icons"]}.items():
+        if not re.fullmatch(r"pictures/[\w.]+\.(bmp|ico)", path):
             faults.append(f"picture {number} is at {path}, outside the site's flat pictures/")
         elif not (SRC / "resources" / path).is_file():
             faults.append(f"picture {number}: {path} is not in src/resources")
+    for name, number in ids.items():
+        if name.startswith("IDI_") and str(number) not in resources["icons"]:
+            faults.append(f"{name} ({number}) has no icon in the page's map")
 
     # The page draws a piece as one picture when its sprite has the mask's size.
     mask = SRC / "resources" / pictures.get(str(ids.get("IDB_DISC_MASK")), "missing")
@@ -102,6 +106,8 @@ def check(resources, depends):
             if style in dialog.get("style", ""):
                 faults.append(f"{name} asks for {style}, which the page does not place by")
         for control in dialog["controls"]:
+            if control["icon"] is not None and str(control["icon"]) not in resources["icons"]:
+                faults.append(f"{name}: the icon {control['icon']} of a control is not in the map")
             if "BS_OWNERDRAW" in control["style"] and control["id"] not in (
                     resources["core"]["kOkControl"], resources["core"]["kCancelControl"]):
                 faults.append(f"{name}: owner-drawn control {control['id']} gets no text")
@@ -122,6 +128,7 @@ def main():
         resources, depends = generate(Path(folder))
     faults = check(resources, depends)
     print("\n".join(faults) or f"{len(resources['pictures'])} pictures, "
+          f"{len(resources['icons'])} icons, "
           f"{len(resources['dialogs'])} dialogs, {len(resources['core'])} core numbers: "
           "all the page reads is made")
     sys.exit(1 if faults else 0)

@@ -70,7 +70,8 @@ def number(word, ids):
 
 def parse(rc_text, ids):
     lines = [l.strip() for l in rc_text.splitlines()]
-    out = {"menu": [], "accelerators": {}, "strings": {}, "dialogs": {}, "pictures": {}}
+    out = {"menu": [], "accelerators": {}, "strings": {}, "dialogs": {}, "pictures": {},
+           "icons": {}}
     i = 0
     while i < len(lines):
         line = lines[i]
@@ -103,9 +104,10 @@ def parse(rc_text, ids):
                 name = lines[i].split()[0]
                 out["strings"][str(ids[name])] = strings_of(lines[i])[0]
                 i += 1
-        elif m := re.match(r"(\w+) +BITMAP +\"(.*)\"$", line):
+        elif m := re.match(r"(\w+) +(BITMAP|ICON) +\"(.*)\"$", line):
             # The site keeps the pictures at the same paths as the script names them.
-            out["pictures"][str(ids[m.group(1)])] = m.group(2)
+            kind = "pictures" if m.group(2) == "BITMAP" else "icons"
+            out[kind][str(ids[m.group(1)])] = m.group(3)
         elif m := re.match(r"(\w+) DIALOG(?:EX)? (\d+), (\d+), (\d+), (\d+)$", line):
             # The place is the window's top-left corner, from the owner's client area.
             dialog = {"place": [int(m.group(2)), int(m.group(3))],

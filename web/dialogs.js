@@ -125,7 +125,7 @@
       if (style.indexOf('WS_TABSTOP') >= 0) el.dataset.tabstop = '1';
     } else if (t.icon !== null) {
       el = document.createElement('img');
-      el.src = 'pictures/kalvero4.ico';
+      el.src = KalveroResources.icons[t.icon];
       el.className = 'dialog-icon';
     } else {
       el = document.createElement('div');
