@@ -30,7 +30,8 @@
   var kPieceMask = KalveroResources.ids.IDB_DISC_MASK;
   // Every other picture may be a piece's sprite: those of the mask's size that pair with it are
   // drawn as one picture (prepareMaskedSprites), the rest as they are.
-  var kPieceSprites = Object.keys(kPictureFiles).map(Number).filter(function (id) { return id !== kPieceMask; });
+  var kPieceSprites = Object.keys(kPictureFiles).map(Number)
+      .filter(function (id) { return id !== kPieceMask; });
 
   // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
   // descent, which is a 15-pixel em in the faces below; the text's top is its ascent above the
