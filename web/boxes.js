@@ -4,7 +4,11 @@
   var state = Page.state;
   var element = Page.element;
 
-  var kAnswer = { Ok: 1, Cancel: 2, Yes: 6, No: 7 };
+  // The answers as the core numbers them (tools/make_page_resources.py reads them at build time).
+  var kAnswer = {
+    Ok: KalveroResources.core.kAnswerOk, Cancel: KalveroResources.core.kAnswerCancel,
+    Yes: KalveroResources.core.kAnswerYes, No: KalveroResources.core.kAnswerNo,
+  };
 
   // A modal box over the whole page, with the Windows program's buttons and their answers:
   // Enter gives the first button, Escape Cancel where there is one (OK where OK is alone).

@@ -17,10 +17,11 @@
 
 
   function setTitle(normal) {
-    var title = KalveroResources.strings[normal ? 103 : 110];
+    var ids = KalveroResources.ids;
+    var title = KalveroResources.strings[normal ? ids.IDS_APP_TITLE : ids.IDS_DISCREET_TITLE];
     element('title-text').textContent = title;
     document.title = title;
-    var icon = 'pictures/' + (normal ? 'kalvero4' : 'discreet') + '.ico';
+    var icon = KalveroResources.icons[normal ? ids.IDI_KALVERO4 : ids.IDI_DISCREET];
     element('title-icon').src = icon;
     element('page-icon').href = icon;
   }
