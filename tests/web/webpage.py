@@ -128,7 +128,6 @@ class Page:
 
     def touch_board(self, x, y):
         cdp, (px, py) = self.driver.execute_cdp_cmd, self.in_viewport(x, y)
-        cdp("Emulation.setTouchEmulationEnabled", {"enabled": True, "maxTouchPoints": 1})
         cdp("Input.dispatchTouchEvent", {"type": "touchStart", "touchPoints": [{"x": px, "y": py}]})
         cdp("Input.dispatchTouchEvent", {"type": "touchEnd", "touchPoints": []})
 
