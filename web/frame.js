@@ -73,7 +73,6 @@
   function layOut() {
     var client = element('client');
     client.style.width = client.style.height = '';
-    document.documentElement.classList.remove('maximised');
     state.maximised = screenTooSmall();
     document.documentElement.classList.toggle('maximised', state.maximised);
     if (!state.maximised) {

@@ -213,8 +213,6 @@ def test_finger_sized_menus_controls_and_boxes(phone):
     seen = []
     for title in ["Menu", "Graphisme"]:
         phone.tap_menu(title)
-        if title == "Graphisme":
-            phone.tap(phone.entry("Ratio écran"))
         entries = phone.js("""return [...document.querySelectorAll('.menu-title.open .menu-item')]
             .filter(e => e.offsetParent).map(e => { const r = e.getBoundingClientRect();
             return [e.querySelector('.menu-label').textContent, r.height, r.left + r.width]; })""")
