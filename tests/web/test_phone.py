@@ -8,7 +8,7 @@ import io
 from collections import Counter
 
 import pytest
-from desktop import BLACK, GRID_BLUE, PIECES, cells, fit, mark, near
+from desktop import BLACK, GRID_BLUE, cells, fit, mark
 from PIL import Image
 from webpage import Phone, emulate, launch, launch_phone, wait
 
@@ -147,7 +147,8 @@ def test_maximised_and_fitted_again_when_turned(phone):
         assert menu == [0, caption[3], screen[0], menu[3]] and menu[3] >= FINGER
         top = caption[3] + menu[3]
         assert shown["client"] == [0, top, screen[0], screen[1] - top]
-        wait("the canvas over the client area", lambda: layout(phone)["canvas"] == shown["client"])
+        wait("the canvas over the client area",
+             lambda: layout(phone)["canvas"] == shown["client"])
         wait_fitted(phone, square)
         before = cells(board_now(phone, square), CELLS)
         tap_column(phone, column, square)  # along the bottom row: no line of four
@@ -172,30 +173,31 @@ def test_device_pixels_of_a_maximised_window(phone):
 
 
 def controls_of(phone, caption):
-    """The tappable controls of a box and their rectangles, and the box's rectangle."""
+    """A box's rectangle, and the texts and rectangles of its controls: those a finger taps
+    (buttons, radio buttons and check boxes, the close box among them) and the fields."""
     return phone.js("""const box = [...document.querySelectorAll('.box')].find(
             b => b.querySelector('.box-caption span').textContent === arguments[0]);
         const rect = e => { const r = e.getBoundingClientRect();
                             return [r.left, r.top, r.width, r.height]; };
-        return {box: rect(box), controls: [...box.querySelectorAll(
-            'button, label.control, input.control, select.control')].map(
-            e => [e.textContent || e.dataset.control, rect(e)])};""", caption)
+        const all = selector => [...box.querySelectorAll(selector)].map(
+            e => [e.textContent || e.dataset.control, rect(e)]);
+        return {box: rect(box), tapped: all('button, label.control'),
+                fields: all('input.control, select.control')};""", caption)
 
 
-def overlapping(rects):
-    return [(a, b) for i, (a, ra) in enumerate(rects) for b, rb in rects[i + 1:]
+def overlapping(named_rects):
+    return [(a, b) for i, (a, ra) in enumerate(named_rects) for b, rb in named_rects[i + 1:]
             if ra[0] < rb[0] + rb[2] and rb[0] < ra[0] + ra[2]
             and ra[1] < rb[1] + rb[3] and rb[1] < ra[1] + ra[3]]
 
 
 def finger_sized(phone, caption, buttons):
-    """Every button, radio button and check box of the box is a finger tall, no two controls
-    overlap, and the box lies within the screen's width."""
+    """The box's buttons (these among them), radio buttons and check boxes are a finger tall,
+    no two of its controls overlap, and it lies within the screen's width."""
     found = controls_of(phone, caption)
-    tappable = [(text, r) for text, r in found["controls"] if text in buttons or text == "×"]
-    assert sorted(t for t, _ in tappable) == sorted(buttons + ["×"] * (len(tappable) - len(buttons)))
-    assert [t for t, r in tappable if r[3] < FINGER] == [], found
-    assert overlapping(found["controls"]) == []
+    assert set(buttons) <= {text for text, _ in found["tapped"]}
+    assert [text for text, r in found["tapped"] if r[3] < FINGER] == [], found
+    assert overlapping(found["tapped"] + found["fields"]) == []
     width = phone.screen()["size"][0]
     assert 0 <= found["box"][0] and found["box"][0] + found["box"][2] <= width
 
@@ -389,7 +391,8 @@ def test_sharp_at_every_pixel_ratio(screen_at):
     page.click_board(95, 150)  # client pixels: column 3
     wait("the move and its reply", lambda: Counter(cells(logical(
         page.picture(), (0, 0, *shown["pixels"])), CELLS).values()) == {"green": 1, "red": 1})
-    assert cells(logical(page.picture(), (0, 0, *shown["pixels"])), CELLS).get((3, CELLS)) == "green"
+    played = cells(logical(page.picture(), (0, 0, *shown["pixels"])), CELLS)
+    assert played[3, CELLS] == "green"
     screen = on_screen(page, ratio)
     board = logical(screen, (0, 0, *screen.size))
     assert screen == board.resize(screen.size, Image.Resampling.NEAREST), "blended pixels"

@@ -232,7 +232,8 @@ class Phone(Page):
     def tap_button(self, caption, text):
         """Taps a box's button by its text, and waits for the box to close."""
         self.box(caption)
-        self.tap(self.driver.find_element("xpath", f"//div[div/span='{caption}']//button[.='{text}']"))
+        self.tap(self.driver.find_element(
+            "xpath", f"//div[div/span='{caption}']//button[.='{text}']"))
         wait(f"the box '{caption}' to close", lambda: caption not in self.boxes())
 
     def screen(self):
