@@ -300,6 +300,27 @@ def test_box_taller_than_the_screen_scrolls_within_it(phone):
     assert phone.box(HOME)["1030"][1] is True
 
 
+def test_window_larger_than_a_desktop_screen(page):
+    """With a mouse, the window at its own size while it fits; "4x" makes it larger than the
+    screen, and it is then maximised with its frame fitted; "1x" brings it back to its size."""
+    page.open()
+    page.enter(HOME)
+    page.enter(CHARACTERS)
+    own = layout(page)["window"]
+    assert own[2:] == [301, 319] and own[:2] == [8, 8]
+    screen = page.js("return [document.documentElement.clientWidth, innerHeight]")
+    page.menu("Graphisme", "Ratio écran", "4x")  # 1180 x 1138: taller than the screen
+    wait("the window maximised", lambda: layout(page)["window"] == [0, 0, *screen])
+    shown = layout(page)
+    assert shown["caption"][3] == shown["menu"][3] == 19, "no finger: the Windows sizes"
+    wait("the canvas over the client area", lambda: layout(page)["canvas"] == shown["client"])
+    wait_fitted(page)
+    page.menu("Graphisme", "Ratio écran", "1x")
+    wait("the window at its size", lambda: layout(page)["window"] == own)
+    assert layout(page)["canvas"][2:] == list(LOGICAL)
+    page.wait_picture("the frame pixel for pixel", lines_drawn)
+
+
 # What a finger meets at points every 15 pixels across the screen: whether the element or one
 # around it takes no gesture of the browser's (pan, zoom), whether its text can be selected,
 # and whether a long press's menu is refused.
