@@ -85,6 +85,7 @@
   function showBox(box) {
     state.modal += 1;
     Page.openMenu(null);
+    Page.stretchForFinger(box.body);
     element('desktop').appendChild(box.layer);
     var anchor = element('window').getBoundingClientRect();
     var size = box.frame.getBoundingClientRect();
@@ -93,7 +94,7 @@
     var top = box.top !== undefined ? anchor.top + box.top
               : anchor.top + Math.max(0, (anchor.height - size.height) / 2);
     box.frame.style.left = Math.max(0, Math.min(left, window.innerWidth - size.width)) + 'px';
-    box.frame.style.top = Math.max(0, top) + 'px';
+    box.frame.style.top = Math.max(0, Math.min(top, window.innerHeight - size.height)) + 'px';
   }
 
   function closeBox(box) {

@@ -165,16 +165,25 @@
     if (picture && width > 0 && height > 0) g.drawImage(picture, 0, 0, width, height);
   }
 
+  // The frame on the screen canvas, whose pixels are the device's (frame.js sizes it): places in
+  // client pixels are multiplied by the pixel ratio and rounded, so that without smoothing every
+  // logical pixel becomes whole device pixels of one colour, at any ratio.
   function present(sourceWidth, sourceHeight, x, y, width, height, smoothing, black) {
     draw(-1);  // a mask still waiting for its sprite is drawn as it is
+    var ratio = state.pixelRatio;
+    function device(v) { return Math.round(v * ratio); }
+    function fill(left, top, w, h) {
+      g.fillRect(device(left), device(top), device(left + w) - device(left), device(top + h) - device(top));
+    }
     var g = state.screenContext;
     g.imageSmoothingEnabled = smoothing;
     g.imageSmoothingQuality = 'high';
     if (width > 0 && height > 0 && sourceWidth > 0 && sourceHeight > 0) {
-      g.drawImage(state.back, 0, 0, sourceWidth, sourceHeight, x, y, width, height);
+      g.drawImage(state.back, 0, 0, sourceWidth, sourceHeight, device(x), device(y),
+                  device(x + width) - device(x), device(y + height) - device(y));
     }
     g.fillStyle = '#000';
-    for (var i = 0; i + 3 < black.length; i += 4) g.fillRect(black[i], black[i + 1], black[i + 2], black[i + 3]);
+    for (var i = 0; i + 3 < black.length; i += 4) fill(black[i], black[i + 1], black[i + 2], black[i + 3]);
     // The moment the first frame is on the screen, for measuring the start.
     if (!state.framesShown++) performance.mark('kalvero4-first-frame');
   }

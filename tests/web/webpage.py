@@ -6,6 +6,7 @@ import functools
 import http.server
 import io
 import threading
+import time
 
 from desktop import wait  # the suites poll alike
 from PIL import Image
@@ -128,7 +129,6 @@ class Page:
 
     def touch_board(self, x, y):
         cdp, (px, py) = self.driver.execute_cdp_cmd, self.in_viewport(x, y)
-        cdp("Emulation.setTouchEmulationEnabled", {"enabled": True, "maxTouchPoints": 1})
         cdp("Input.dispatchTouchEvent", {"type": "touchStart", "touchPoints": [{"x": px, "y": py}]})
         cdp("Input.dispatchTouchEvent", {"type": "touchEnd", "touchPoints": []})
 
@@ -172,3 +172,72 @@ class Page:
         wait(f"the download '{name}'",
              lambda: path.exists() and not any(self.downloads.glob("*.crdownload")))
         return path.read_bytes()
+
+
+def launch_phone(profile, downloads, width, height, ratio) -> webdriver.Chrome:
+    """Chromium as a phone or a tablet: its screen, pixel ratio and touch, before any page."""
+    options = webdriver.ChromeOptions()
+    options.binary_location = "/usr/bin/chromium"
+    for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage",
+                     f"--user-data-dir={profile}", "--window-size=1200,1200"):
+        options.add_argument(argument)
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+    driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": CATCH_ERRORS})
+    driver.execute_cdp_cmd("Browser.setDownloadBehavior",
+                           {"behavior": "allow", "downloadPath": str(downloads)})
+    emulate(driver, width, height, ratio)
+    driver.execute_cdp_cmd("Emulation.setTouchEmulationEnabled",
+                           {"enabled": True, "maxTouchPoints": 5})
+    return driver
+
+
+def emulate(driver, width, height, ratio=1, mobile=True):
+    """A screen of that size in CSS pixels (a phone turned when wider than tall)."""
+    driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+        "width": width, "height": height, "deviceScaleFactor": ratio, "mobile": mobile,
+        "screenOrientation": {"type": "landscapePrimary", "angle": 90} if width > height
+        else {"type": "portraitPrimary", "angle": 0}})
+
+
+class Phone(Page):
+    """The page under a finger: taps, presses and swipes at points of the viewport."""
+
+    def touch(self, *points, hold=0.0):
+        """A finger down at the first point, moved through the others, then lifted."""
+        cdp = self.driver.execute_cdp_cmd
+        (x, y), *path = points
+        cdp("Input.dispatchTouchEvent", {"type": "touchStart", "touchPoints": [{"x": x, "y": y}]})
+        time.sleep(hold)
+        for x, y in path:
+            cdp("Input.dispatchTouchEvent", {"type": "touchMove",
+                                             "touchPoints": [{"x": x, "y": y}]})
+        cdp("Input.dispatchTouchEvent", {"type": "touchEnd", "touchPoints": []})
+
+    def rect(self, element):
+        return self.js("const r = arguments[0].getBoundingClientRect();"
+                       " return [r.left, r.top, r.width, r.height]", element)
+
+    def tap(self, element):
+        left, top, width, height = self.rect(element)
+        self.touch((left + width / 2, top + height / 2))
+
+    def tap_menu(self, title, *entries):
+        """Opens a menu and taps its entry, through submenus, all by their texts."""
+        self.tap(self.driver.find_element(
+            "xpath", f"//div[contains(@class, 'menu-title') and starts-with(., '{title}')]"))
+        for text in entries:
+            self.tap(self.entry(text))
+
+    def tap_button(self, caption, text):
+        """Taps a box's button by its text, and waits for the box to close."""
+        self.box(caption)
+        self.tap(self.driver.find_element(
+            "xpath", f"//div[div/span='{caption}']//button[.='{text}']"))
+        wait(f"the box '{caption}' to close", lambda: caption not in self.boxes())
+
+    def screen(self):
+        """The viewport's size, how far the page is scrolled or zoomed, and its widest extent."""
+        return self.js("""const d = document.documentElement, v = visualViewport;
+            return {size: [innerWidth, innerHeight], scroll: [scrollX, scrollY, v.offsetLeft,
+                    v.offsetTop], scale: v.scale, width: d.scrollWidth};""")
