@@ -14,7 +14,8 @@
                       4: [['Oui', kAnswer.Yes], ['Non', kAnswer.No]] }[flags & 0x0f] || [['OK', kAnswer.Ok]];
       var escape = (flags & 0x0f) === 1 ? kAnswer.Cancel : (flags & 0x0f) === 0 ? kAnswer.Ok : 0;
       var icon = { 0x10: 'stop', 0x30: 'exclamation', 0x40: 'information' }[flags & 0xf0] || '';
-      var box = windowBox('message-box', title, escape !== 0, function () { done(escape); }, 'alertdialog');
+      var box = windowBox('message-box', title, escape !== 0, function () { done(escape); },
+                          'alertdialog');
       box.body.classList.add('message-box-body');
       var row = document.createElement('div');
       row.className = 'message-row';
@@ -52,7 +53,8 @@
           if (at >= 0) all[at].click(); else done(buttons[0][1]);
         } else if (e.key === 'Tab' || e.key.indexOf('Arrow') === 0) {
           e.preventDefault();
-          var back = e.key === 'ArrowLeft' || e.key === 'ArrowUp' || (e.key === 'Tab' && e.shiftKey);
+          var back = e.key === 'ArrowLeft' || e.key === 'ArrowUp' ||
+                     (e.key === 'Tab' && e.shiftKey);
           all[at < 0 ? 0 : (at + (back ? all.length - 1 : 1)) % all.length].focus();
         }
       };

@@ -48,7 +48,8 @@
       // The template's order and groups, as the keyboard goes through them: a group runs from
       // a control with WS_GROUP to the next one.
       if (index === 0 || t.style.indexOf('WS_GROUP') >= 0) group += 1;
-      var target = control.input || (/^(BUTTON|INPUT|SELECT)$/.test(control.tagName) ? control : null);
+      var target = control.input ||
+                   (/^(BUTTON|INPUT|SELECT)$/.test(control.tagName) ? control : null);
       var tabstop = t.style.indexOf('WS_TABSTOP') >= 0;
       if (target) target.tabIndex = tabstop ? 0 : -1;
       dialog.order.push({ t: t, control: control, target: target, group: group, tabstop: tabstop });
