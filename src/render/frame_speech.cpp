@@ -85,12 +85,14 @@ bool SameCells(const SpokenFrame& a, const SpokenFrame& b) {
   return true;
 }
 
-// A line of the frame as a sentence: a full stop unless it ends with its own punctuation.
+// A line of the frame as a sentence: a full stop unless it ends with its own punctuation (a
+// byte from 0x80 up is a letter of Windows-1252).
 void Sentence(std::string& out, const std::string& line) {
   if (line.empty()) return;
   if (!out.empty()) out += ' ';
   out += line;
-  if (std::isalnum(static_cast<unsigned char>(line.back())) || line.back() < 0) out += '.';
+  const unsigned char last = static_cast<unsigned char>(line.back());
+  if (std::isalnum(last) || last >= 0x80) out += '.';
 }
 
 // Each piece that has appeared, by player then column: "Vous : colonne 3."
