@@ -60,6 +60,8 @@
     document.addEventListener('keyup', function (e) {
       if (state.boxes.length === 0 && inputAllowed()) Page.menuKeyUp(e);
     });
+    // Alt let go in another window (Alt+Tab) is not Alt alone.
+    window.addEventListener('blur', function () { state.altAlone = false; });
     // The corner grip resizes the window, as a window's sizing border does.
     var grip = element('grip');
     grip.addEventListener('pointerdown', function (e) {
