@@ -30,23 +30,30 @@
     box.body.style.width = px(template.size[0], 0) + 'px';
     box.body.style.height = px(template.size[1], 1) + 'px';
     box.body.style.font = kFontFaces[template.font[1]] || kFontFaces['MS Sans Serif'];
-    var dialog = { id: id, box: box, controls: {}, groups: [], group: null };
-    template.controls.forEach(function (t) {
+    var dialog = { id: id, box: box, controls: {}, groups: [], group: null, order: [] };
+    var group = -1;
+    template.controls.forEach(function (t, index) {
       var control = makeControl(dialog, t);
       control.style.left = px(t.rect[0], 0) + 'px';
       control.style.top = px(t.rect[1], 1) + 'px';
       control.style.width = px(t.rect[2], 0) + 'px';
       control.style.height = px(t.rect[3], 1) + 'px';
       control.classList.add('control');
+      control.id = box.frame.id + '-' + index;
       if (t.id >= 0 || t.id === -1) control.dataset.control = t.id;
       box.body.appendChild(control);
       if (t.id !== -1) dialog.controls[t.id] = control;
+      // The template's order and groups, as the keyboard goes through them: a group runs from
+      // a control with WS_GROUP to the next one.
+      if (index === 0 || t.style.indexOf('WS_GROUP') >= 0) group += 1;
+      var target = control.input ||
+                   (/^(BUTTON|INPUT|SELECT)$/.test(control.tagName) ? control : null);
+      var tabstop = t.style.indexOf('WS_TABSTOP') >= 0;
+      if (target) target.tabIndex = tabstop ? 0 : -1;
+      dialog.order.push({ t: t, control: control, target: target, group: group, tabstop: tabstop });
     });
-    box.frame.addEventListener('keydown', function (e) {
-      e.stopPropagation();
-      if (e.key === 'Escape') { e.preventDefault(); command(kCancel); }
-      if (e.key === 'Enter' && document.activeElement.tagName !== 'BUTTON') { e.preventDefault(); command(kOk); }
-    });
+    nameControls(dialog, template.caption);
+    box.onKey = function (e) { dialogKey(dialog, e); };
     // Placed as Windows places a dialog without DS_CENTER or DS_ABSALIGN: its frame's top-left
     // corner at its template's place, in the dialog's units, from the top-left corner of the
     // main window's client area.
@@ -94,7 +101,11 @@
       if (style.indexOf('WS_TABSTOP') >= 0) input.dataset.tabstop = '1';
     } else if (t.class === 'Button') {
       el = document.createElement('button');
-      el.setText = function (text) { Page.labelInto(el, text); };
+      el.setText = function (text) {
+        Page.labelInto(el, text);
+        // A text written down a narrow button, a letter a line, is read as one word.
+        if (el.textContent.indexOf('\n') >= 0) el.setAttribute('aria-label', el.textContent.replace(/\n/g, ''));
+      };
       el.setText(t.text);
       if (style.indexOf('BS_OWNERDRAW') >= 0) el.classList.add('owner-drawn');
       if (style.indexOf('BS_DEFPUSHBUTTON') >= 0) el.classList.add('default');
@@ -127,6 +138,7 @@
       el = document.createElement('img');
       el.src = KalveroResources.icons[t.icon];
       el.className = 'dialog-icon';
+      el.alt = '';
     } else {
       el = document.createElement('div');
       el.className = 'static';
@@ -135,11 +147,121 @@
       // word runs on rather than onto a line that is not shown.
       if (t.rect[3] < 16) el.classList.add('one-line');
       var noPrefix = style.indexOf('SS_NOPREFIX') >= 0;
+      // A text the game writes while the dialog is open is read when it changes.
+      if (t.id !== -1) el.setAttribute('aria-live', 'polite');
       el.setText = function (text) { Page.labelInto(el, text, noPrefix); };
       el.setText(t.text);
     }
     if (!el.getText) el.getText = function () { return el.textContent; };
     return el;
+  }
+
+  // Names for the controls that carry no text of their own, an edit or a list: the static
+  // text on their left on the same line, else the one just above them, whose parts a " | "
+  // shares out from left to right among the controls below it; else the dialog's caption. The
+  // statics that name nothing describe the dialog, read when it opens.
+  function nameControls(dialog, caption) {
+    var statics = dialog.order.filter(function (o) {
+      return o.t.class === 'Static' && o.t.icon === null && o.control.textContent.trim() !== '';
+    });
+    var used = new Set();
+    var below = new Map();
+    dialog.order.forEach(function (o) {
+      if (!o.target || (o.t.class !== 'Edit' && o.t.class !== 'ListBox')) return;
+      var r = o.t.rect;
+      function nearest(list, distance) {
+        return list.sort(function (a, b) { return distance(a) - distance(b); })[0];
+      }
+      var left = nearest(statics.filter(function (s) {
+        var q = s.t.rect;
+        return q[0] + q[2] <= r[0] + 2 && q[1] < r[1] + r[3] && r[1] < q[1] + q[3];
+      }), function (s) { return r[0] - s.t.rect[0]; });
+      var above = left ? null : nearest(statics.filter(function (s) {
+        var q = s.t.rect;
+        var gap = r[1] - (q[1] + q[3]);
+        return gap >= -2 && gap < 12 && q[0] < r[0] + r[2] && r[0] < q[0] + q[2];
+      }), function (s) { return r[1] - s.t.rect[1]; });
+      var label = left || above;
+      if (!label) return o.target.setAttribute('aria-label', caption);
+      used.add(label);
+      o.target.setAttribute('aria-labelledby', label.control.id);
+      if (above) below.set(above, (below.get(above) || []).concat([o]));
+    });
+    below.forEach(function (controls, label) {
+      var parts = label.control.textContent.split(' | ');
+      if (parts.length !== controls.length) return;
+      controls.sort(function (a, b) { return a.t.rect[0] - b.t.rect[0]; }).forEach(function (o, i) {
+        o.target.removeAttribute('aria-labelledby');
+        o.target.setAttribute('aria-label', parts[i].trim());
+      });
+    });
+    var described = statics.filter(function (s) { return !used.has(s); })
+      .map(function (s) { return s.control.id; });
+    if (described.length > 0) dialog.box.frame.setAttribute('aria-describedby', described.join(' '));
+  }
+
+  function usable(el) { return !el.disabled && el.offsetParent !== null; }
+
+  function entryOf(dialog, el) {
+    return dialog.order.find(function (o) { return o.target === el; });
+  }
+
+  // The focus on a control; on a radio button, on the checked one of its group, as tabbing
+  // into a group of radio buttons does on Windows.
+  function focusEntry(dialog, o) {
+    var target = o.target;
+    if (target.type === 'radio' && !target.checked) {
+      var checked = dialog.order.find(function (p) {
+        return p.group === o.group && p.target && p.target.type === 'radio' && p.target.checked;
+      });
+      if (checked) target = checked.target;
+    }
+    target.focus();
+  }
+
+  // Tab and Shift+Tab: the next control with WS_TABSTOP in the template's order, round.
+  function tabFrom(dialog, entry, step) {
+    var order = dialog.order;
+    var n = order.length;
+    var from = entry ? order.indexOf(entry) : step > 0 ? -1 : n;
+    for (var k = 1; k <= n; ++k) {
+      var o = order[(((from + step * k) % n) + n) % n];
+      if (o.target && o.tabstop && usable(o.target)) return focusEntry(dialog, o);
+    }
+  }
+
+  // The arrows: the next control of the same group, round; a radio button reached so is
+  // checked, as an automatic radio button is on Windows.
+  function moveInGroup(dialog, entry, step) {
+    if (!entry) return tabFrom(dialog, null, step);
+    var members = dialog.order.filter(function (o) {
+      return o.group === entry.group && o.target && usable(o.target);
+    });
+    var next = members[(members.indexOf(entry) + step + members.length) % members.length];
+    next.target.focus();
+    if (next.target.type === 'radio' && !next.target.checked) next.target.click();
+  }
+
+  // The dialog's keys, wherever the focus is: Enter presses the focused button, else OK;
+  // Escape cancels; Tab and the arrows move as Windows' dialogs move. Space is the control's
+  // own (a check box toggles, a button is pressed).
+  function dialogKey(dialog, e) {
+    var active = document.activeElement;
+    var entry = dialog.box.frame.contains(active) ? entryOf(dialog, active) : null;
+    var arrow = { ArrowUp: -1, ArrowLeft: -1, ArrowDown: 1, ArrowRight: 1 }[e.key];
+    if (e.key === 'Escape') {
+      e.preventDefault();
+      command(kCancel);
+    } else if (e.key === 'Enter') {
+      e.preventDefault();
+      if (entry && active.tagName === 'BUTTON') active.click(); else command(kOk);
+    } else if (e.key === 'Tab') {
+      e.preventDefault();
+      tabFrom(dialog, entry, e.shiftKey ? -1 : 1);
+    } else if (arrow && !(entry && /^(text|select-one|select-multiple)$/.test(active.type))) {
+      e.preventDefault();
+      moveInGroup(dialog, entry, arrow);
+    }
   }
 
   // A command of the open dialog: handed to the game's dialog loop, which waits for it.

@@ -37,13 +37,18 @@
       pointerTo(clientPoint(e));
       Page.message('WebClick');
     });
+    // The keys are caught once, for the whole page: an open box or dialog has them all,
+    // wherever the focus is; else the menus, then the accelerators, then the game.
     document.addEventListener('keydown', function (e) {
+      if (state.boxes.length > 0) return Page.boxKey(e);
       if (!inputAllowed() || e.ctrlKey || e.metaKey) return;
       if (Page.menuKey(e)) return;
       if (e.altKey) return;
+      // An accelerator is a key, not a character: its letter whatever Caps Lock's state, but
+      // not with Shift. Every other character (the keys "1" onward) goes to the game as typed.
       var letter = e.key.length === 1 ? e.key.toUpperCase() : '';
       var command = KalveroResources.accelerators[letter];
-      if (command && !e.shiftKey && e.key === letter.toLowerCase()) {
+      if (command && !e.shiftKey) {
         e.preventDefault();
         Page.openMenu(null);
         Page.menuCommand(command);
@@ -53,6 +58,11 @@
         Page.message('WebChar', [e.key.charCodeAt(0)]);
       }
     });
+    document.addEventListener('keyup', function (e) {
+      if (state.boxes.length === 0 && inputAllowed()) Page.menuKeyUp(e);
+    });
+    // Alt let go in another window (Alt+Tab) is not Alt alone.
+    window.addEventListener('blur', function () { state.altAlone = false; });
     // The corner grip resizes the window, as a window's sizing border does.
     var grip = element('grip');
     grip.addEventListener('pointerdown', function (e) {
@@ -84,7 +94,13 @@
     window.addEventListener('resize', Page.fitToScreen);
   }
 
+  // The window takes the focus back when no box and no menu has it; a screen reader then reads
+  // the board's own text.
+  function focusWindow() {
+    element('client').focus({ preventScroll: true });
+  }
+
   Object.assign(Page, {
-    bindInput: bindInput,
+    bindInput: bindInput, focusWindow: focusWindow,
   });
 })(Page);

@@ -16,6 +16,7 @@ mergeInto(LibraryManager.library, {
     Page.present(sourceWidth, sourceHeight, x, y, width, height, smoothing !== 0,
                  HEAP32.slice(black >> 2, (black >> 2) + 4 * count));
   },
+  kv_speak: function (said, board) { Page.speak(Page.decodeZ(said), Page.decodeZ(board)); },
   kv_ask: function (text, title, flags) {
     return Asyncify.handleSleep(function (wakeUp) {
       Page.ask(Page.decodeZ(text), Page.decodeZ(title), flags).then(wakeUp);

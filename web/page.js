@@ -9,6 +9,7 @@
 //   input.js     pointer, touch and keys over the window; the grip and the close box
 //   boxes.js     message boxes, and the window box that dialogs are drawn in too
 //   dialogs.js   the dialogs from their templates; their controls and commands
+//   speech.js    the frame in words: the live region, and the board's own text
 //   storage.js   the save file in the browser's storage; export and import
 //   start.js     the start and the end of the program
 //
@@ -36,7 +37,7 @@
 //     kv_dialog_open(template), kv_dialog_close(), kv_dialog_checked(control),
 //     kv_dialog_set_checked(...), kv_dialog_text(...), kv_dialog_set_text(...),
 //     kv_list_add(...), kv_list_selection(control), kv_list_set_selection(...),
-//     kv_store_files()
+//     kv_speak(said, board), kv_store_files()
 //
 // Only the two sleeping imports are listed to ASYNCIFY (cmake/web.cmake); a glue entry that
 // reaches one of them must be called through Page.call, which awaits it.
@@ -53,7 +54,7 @@ var Page = {
     modal: 0, ended: false, endRequested: false, started: false, keepStorage: true,
     lastPointer: null, framesShown: 0, pendingMask: null, maskedSprites: {},
     dialog: null, dialogWaiters: [], dialogCommands: [],
-    checks: {}, menuOpen: null,
+    checks: {}, menuOpen: null, menuKeys: false, altAlone: false, boxes: [],
   },
 
   element: function (id) { return document.getElementById(id); },

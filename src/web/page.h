@@ -22,6 +22,9 @@ void kv_refill_background(int32_t width, int32_t height);
 void kv_present(int32_t sourceWidth, int32_t sourceHeight, int32_t x, int32_t y, int32_t width,
                 int32_t height, int32_t smoothing, const int32_t* black, int32_t blackCount);
 
+// The frame in words: what is new in it (empty when nothing is) and the whole board.
+void kv_speak(const char* said, const char* board);
+
 // Modal boxes and dialogs. These two wait for the player: the core's call sleeps meanwhile.
 int32_t kv_ask(const char* text, const char* title, uint32_t flags);
 int32_t kv_dialog_wait();

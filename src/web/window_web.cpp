@@ -4,6 +4,7 @@
 #include <emscripten/emscripten.h>
 
 #include <cstdio>
+#include <string>
 
 #include "ground/platform.h"
 #include "ground/random.h"
@@ -12,6 +13,7 @@
 #include "opponents/new_game.h"
 #include "opponents/turn.h"
 #include "render/board_plan.h"
+#include "render/frame_speech.h"
 #include "render/viewport.h"
 #include "shell/menu_commands.h"
 #include "shell/turnflow.h"
@@ -27,6 +29,7 @@ struct WebWindowRecord {
   int32_t Section = 0;          // statistics section when the current message began
   bool BuffersCreated = false;  // the first repaint has started the game and the background
   bool Destroyed = false;       // the window is gone: no message reaches the game any more
+  SpokenFrame Spoken;           // the last frame put into words
 };
 
 WebWindowRecord Window;
@@ -76,6 +79,15 @@ void DrawPlan(const DrawList& plan) {
   }
 }
 
+// The frame in words for the page's live region, and the board's own text.
+void Speak(const DrawList& plan) {
+  const SpokenFrame now = SpokenFrameOf(plan);
+  const std::string said = SayFrame(Window.Spoken, now);
+  const std::string board = SayBoard(now);
+  kv_speak(said.c_str(), board.c_str());
+  Window.Spoken = now;
+}
+
 void Present() {
   const PresentPlan plan = PlanPresentation();
   int32_t black[4 * 6];
@@ -101,8 +113,10 @@ bool PaintFrame() {
     Window.BuffersCreated = true;
     RefillBackground();
   }
-  DrawPlan(ComposeFrame());
+  const DrawList plan = ComposeFrame();
+  DrawPlan(plan);
   Present();
+  Speak(plan);
   return true;
 }
 
