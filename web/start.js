@@ -32,6 +32,11 @@
     if (first) first.focus();
   }
 
+  function hidePage() {
+    element('ended').hidden = true;
+    element('window').classList.remove('closed');
+  }
+
   function showEnded(text) { showPage(text, [], true); }
 
   function showWaiting(text) { showPage(text, [], false); }
@@ -43,8 +48,7 @@
         var button = document.createElement('button');
         button.textContent = choice[0];
         button.addEventListener('click', function () {
-          element('ended').hidden = true;
-          element('window').classList.remove('closed');
+          hidePage();
           resolve(choice[1]);
         });
         return button;
@@ -76,6 +80,7 @@
       function (e) { console.warn('Kalvero 4: the pictures could not be loaded', e); return false; });
     await Page.claimGame();
     if (state.ended) return;
+    hidePage();
     var read = await Page.readStorage();
     if (!await pictures) {
       state.ended = true;

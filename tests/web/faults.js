@@ -41,6 +41,10 @@
                           { get: () => (window.__hidden ? 'hidden' : 'visible') });
   }
 
+  if (faults.includes('nolocks')) {  // no Web Locks: a page served without a secure context
+    Object.defineProperty(Navigator.prototype, 'locks', { get: () => undefined });
+  }
+
   if (faults.includes('pictures')) {  // the bitmaps arrive damaged (a cut connection)
     const src = Object.getOwnPropertyDescriptor(HTMLImageElement.prototype, 'src');
     Object.defineProperty(HTMLImageElement.prototype, 'src', {

@@ -1,10 +1,15 @@
 """A session played in the page, and the save file as the browser's storage holds it, read
 straight from IndexedDB (where Emscripten's file system keeps it) by the test's own script."""
 
+import shutil
+
+import conftest
+import pytest
 from desktop import cells
 from savefile_layout import LOST, PLAYED, SaveFile
-from webpage import wait
+from webpage import serve, wait
 
+FAULTS = conftest.TESTS / "web" / "faults.js"
 CELLS, HOME, CHARACTERS, WARNING, NAME = 7, "Acceuil", "Personnages", "Attention", "1033"
 
 # The stored save file's bytes, or null; through the plain open where faults are planted.
@@ -19,6 +24,34 @@ request.onsuccess = () => {
   get.onsuccess = () => { db.close(); done(get.result ? Array.from(new Uint8Array(get.result.contents.buffer || get.result.contents, get.result.contents.byteOffset || 0, get.result.contents.length)) : null); };
   get.onerror = () => { db.close(); done(null); };
 };"""
+
+
+@pytest.fixture(scope="module")  # a module that imports it serves this site
+def site(tmp_path_factory):
+    """Two copies of the site on one origin, /a/ and /b/, each with faulty.html and blank.html
+    (a page of the origin that is not the game); the page fixture opens /a/index.html."""
+    if not (conftest.SITE / "kalvero4.wasm").is_file():
+        pytest.fail(f"no built site in {conftest.SITE}", pytrace=False)
+    root = tmp_path_factory.mktemp("origin")
+    page = (conftest.SITE / "index.html").read_text(encoding="utf-8")
+    for folder in ("a", "b"):
+        (root / folder).mkdir()
+        for item in conftest.SITE.iterdir():
+            (root / folder / item.name).symlink_to(item)
+        (root / folder / "index.html").unlink()
+        (root / folder / "index.html").write_text(page, encoding="utf-8")
+        (root / folder / "faulty.html").write_text(page.replace(
+            '<meta charset="utf-8">', '<meta charset="utf-8">\n<script src="faults.js"></script>'),
+            encoding="utf-8")
+        shutil.copy(FAULTS, root / folder / "faults.js")
+        (root / folder / "blank.html").write_text('<!DOCTYPE html><title>-</title><link rel="icon" href="data:,">')
+    url, server = serve(root)
+    yield url.replace("/index.html", "/a/index.html")
+    server.shutdown()
+
+
+def go(page, name):
+    page.driver.get(page.url.replace("index.html", name))
 
 
 def stored(page) -> bytes | None:

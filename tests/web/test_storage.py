@@ -8,44 +8,13 @@ import shutil
 import time
 
 import pytest
-from storage_helpers import (CHARACTERS, NAME, hide, name_shown, play_session, stored, totals,
-                             wait_stored)
-from webpage import serve, wait
+from storage_helpers import (CHARACTERS, go, hide, name_shown, play_session, site, stored,  # noqa: F401 - site: this module's site
+                             totals, wait_stored)
+from webpage import wait
 
-import conftest
-
-FAULTS = conftest.TESTS / "web" / "faults.js"
 ENDED = """const e = document.getElementById('ended');
 return e.hidden ? null : [document.getElementById('ended-text').textContent,
     [...e.querySelectorAll('button')].filter(b => !b.hidden).map(b => b.textContent)];"""
-
-
-@pytest.fixture(scope="module")
-def site(tmp_path_factory):
-    """Two copies of the site on one origin, /a/ and /b/, each with faulty.html and blank.html
-    (a page of the origin that is not the game); the page fixture opens /a/index.html."""
-    if not (conftest.SITE / "kalvero4.wasm").is_file():
-        pytest.fail(f"no built site in {conftest.SITE}", pytrace=False)
-    root = tmp_path_factory.mktemp("origin")
-    page = (conftest.SITE / "index.html").read_text(encoding="utf-8")
-    for folder in ("a", "b"):
-        (root / folder).mkdir()
-        for item in conftest.SITE.iterdir():
-            (root / folder / item.name).symlink_to(item)
-        (root / folder / "index.html").unlink()
-        (root / folder / "index.html").write_text(page, encoding="utf-8")
-        (root / folder / "faulty.html").write_text(page.replace(
-            '<meta charset="utf-8">', '<meta charset="utf-8">\n<script src="faults.js"></script>'),
-            encoding="utf-8")
-        shutil.copy(FAULTS, root / folder / "faults.js")
-        (root / folder / "blank.html").write_text('<!DOCTYPE html><title>-</title><link rel="icon" href="data:,">')
-    url, server = serve(root)
-    yield url.replace("/index.html", "/a/index.html")
-    server.shutdown()
-
-
-def go(page, name):
-    page.driver.get(page.url.replace("index.html", name))
 
 
 def ended(page):
