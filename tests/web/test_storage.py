@@ -44,9 +44,11 @@ def test_failed_read_stores_nothing_unless_agreed(page, choice, kept):
     page.driver.find_element("xpath", f"//div[@id='ended-choices']/button[.='{choice}']").click()
     play_session(page, "Léa")
     hide(page)
+    page.menu("Menu", "Quitter")  # the game's own end writes and stores the file too
+    wait("the end", lambda: page.js(ENDED))
     if kept[0] == "Léa":
         wait_stored(page, kept)
-    go(page, "blank.html")  # the faulty page is closed: pagehide and visibilitychange
+    go(page, "blank.html")
     time.sleep(0.5)  # what a closing page would store has had the time to arrive
     after = stored(page)
     assert totals(after) == kept
@@ -68,10 +70,15 @@ def test_quota_failure_keeps_the_session_in_the_copy(page):
     go(page, "blank.html")
     assert stored(page) == before
     key = "kalvero4-last-save-file:/a/"
-    kept = lambda: json.loads(page.js("return localStorage.getItem(arguments[0])", key))
+
+    def kept():
+        return json.loads(page.js("return localStorage.getItem(arguments[0])", key))
+
+    copy = kept()
     assert totals(b64decode(kept()["bytes"])) == ("Zoé", 4, 2)
     go(page, "faulty.html?fault=quota")  # the copy is taken but cannot be stored: it stays
     page.box("Acceuil")
+    assert kept()["time"] == copy["time"]
     go(page, "blank.html")  # and the session begun from it is kept over it
     assert stored(page) == before and totals(b64decode(kept()["bytes"])) == ("Zoé", 5, 2)
     page.open()  # taken and stored, then removed
@@ -168,9 +175,10 @@ def test_hidden_then_closed_stores_once(page):
     shown and hidden again after a game, the page stores again."""
     go(page, "faulty.html?fault=hide")
     play_session(page, "Zoé")
-    page.js("__hidden = true; document.dispatchEvent(new Event('visibilitychange'));"
-            "dispatchEvent(new PageTransitionEvent('pagehide'));"
-            "dispatchEvent(new PageTransitionEvent('pagehide'))")
+    page.js("__hidden = true; document.dispatchEvent(new Event('visibilitychange'))")
+    for _ in range(2):  # a few milliseconds later, as a browser sends them
+        time.sleep(0.05)
+        hide(page)
     wait_stored(page, ("Zoé", 2, 1))
     time.sleep(0.5)  # any second store has had the time to begin
     assert page.js("return __writes") == 1
