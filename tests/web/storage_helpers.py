@@ -1,15 +1,17 @@
 """A session played in the page, and the save file as the browser's storage holds it, read
 straight from IndexedDB (where Emscripten's file system keeps it) by the test's own script."""
 
+import os
 import shutil
+from pathlib import Path
 
-import conftest
 import pytest
 from desktop import cells
 from savefile_layout import LOST, PLAYED, SaveFile
 from webpage import serve, wait
 
-FAULTS = conftest.TESTS / "web" / "faults.js"
+FAULTS = Path(__file__).with_name("faults.js")
+SITE = Path(os.environ.get("KALVERO_SITE", Path(__file__).parents[2] / "build" / "web" / "site"))
 CELLS, HOME, CHARACTERS, WARNING, NAME = 7, "Acceuil", "Personnages", "Attention", "1033"
 
 # The stored save file's bytes, or null; through the plain open where faults are planted.
@@ -30,13 +32,13 @@ request.onsuccess = () => {
 def site(tmp_path_factory):
     """Two copies of the site on one origin, /a/ and /b/, each with faulty.html and blank.html
     (a page of the origin that is not the game); the page fixture opens /a/index.html."""
-    if not (conftest.SITE / "kalvero4.wasm").is_file():
-        pytest.fail(f"no built site in {conftest.SITE}", pytrace=False)
+    if not (SITE / "kalvero4.wasm").is_file():
+        pytest.fail(f"no built site in {SITE}", pytrace=False)
     root = tmp_path_factory.mktemp("origin")
-    page = (conftest.SITE / "index.html").read_text(encoding="utf-8")
+    page = (SITE / "index.html").read_text(encoding="utf-8")
     for folder in ("a", "b"):
         (root / folder).mkdir()
-        for item in conftest.SITE.iterdir():
+        for item in SITE.iterdir():
             (root / folder / item.name).symlink_to(item)
         (root / folder / "index.html").unlink()
         (root / folder / "index.html").write_text(page, encoding="utf-8")
