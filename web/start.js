@@ -57,13 +57,19 @@
   }
 
   // Hidden, closed or put in the background: Safari sends pagehide where the others send
-  // visibilitychange, and most send both; the file is stored on either, and the second finds
-  // it as stored and does nothing.
+  // visibilitychange, and most send both (a page left sends pagehide first); the file is stored
+  // on either, and the second finds it as stored and does nothing. Shown again, storage opens
+  // a new connection.
   function bindStoring() {
     document.addEventListener('visibilitychange', function () {
       if (document.visibilityState === 'hidden') Page.storeNow();
+      else Page.pageShown();
     });
-    window.addEventListener('pagehide', function () { Page.storeNow(); });
+    window.addEventListener('pagehide', function (e) {
+      Page.pageLeaving(e.persisted);
+      Page.storeNow();
+    });
+    window.addEventListener('pageshow', function (e) { if (e.persisted) Page.pageShown(); });
   }
 
   async function start() {

@@ -16,6 +16,8 @@
   var following = null;    // the one asked for while it runs: done after it, once
   var lastStored = null;   // the file's bytes as last stored, so that a store is not repeated
   var failureTold = false;
+  var leaving = false;     // pagehide came: the page may be frozen at any moment
+  var cached = false;      // and it goes to the back-forward cache: no IndexedDB work then
 
   // One pass of Emscripten's IndexedDB file system. It calls back with the error, or never
   // when the browser aborts its transaction: that too ends as a failure after kWaitLimit.
@@ -70,12 +72,15 @@
 
   // Stores the folder unless the file is as last stored. A connection that the browser lost
   // (WebKit loses it while a page is in the background) is opened again and the store tried
-  // once more. Resolves to whether the file is stored.
+  // once more; not after pagehide, though: WebKit may freeze the page in its back-forward cache
+  // with the new connection's transaction open, and that transaction then blocks every page of
+  // the site. The copy kept for a closing page holds the file then. Resolves to whether the
+  // file is stored.
   async function storeOnce() {
     var bytes = currentBytes();
     if (sameBytes(bytes, lastStored)) return true;
     var error = await sync(false);
-    if (error) {
+    if (error && !leaving) {
       forgetConnection();
       error = await sync(false);
     }
@@ -85,6 +90,24 @@
     }
     lastStored = bytes;
     return true;
+  }
+
+  // Back from the background the connection may be lost without a word: the next store opens
+  // a new one, and what a page left for the back-forward cache did not store is stored now.
+  function pageShown() {
+    var wasCached = cached;
+    leaving = cached = false;
+    forgetConnection();
+    if (wasCached) storeFiles();
+  }
+
+  // Going away, no new connection is opened (see storeOnce). A page that goes to the
+  // back-forward cache starts no IndexedDB work at all: WebKit freezes it with its transaction
+  // open, and that transaction blocks every other page of the site, the next start included,
+  // until the frozen page comes back or is dropped. The copy holds the file meanwhile.
+  function pageLeaving(toCache) {
+    leaving = true;
+    cached = toCache;
   }
 
   function forgetConnection() {
@@ -98,7 +121,7 @@
   // One store at a time: a store asked for while one runs is done after it, and once however
   // often it was asked for. Without the player's word after a failed read, nothing is stored.
   function storeFiles(force) {
-    if (!writable && !force) return Promise.resolve(false);
+    if ((!writable || cached) && !force) return Promise.resolve(false);
     if (following) return following;
     if (running) {
       following = running.then(function () {
@@ -249,6 +272,11 @@
     if (!state.started || state.ended || !state.keepStorage || !writable) {
       return Promise.resolve(false);
     }
+    if (cached) {
+      Module._WebWriteSaveFile();
+      keepLastCopy();
+      return Promise.resolve(false);
+    }
     Module._WebStoreNow();  // writes the file, then stores it through kv_store_files
     keepLastCopy();
     return storeFiles();
@@ -256,6 +284,7 @@
 
   Object.assign(Page, {
     readStorage: readStorage, allowStoring: allowStoring, storeFiles: storeFiles,
+    pageShown: pageShown, pageLeaving: pageLeaving,
     exportSaveFile: exportSaveFile, importSaveFile: importSaveFile, storeNow: storeNow,
   });
 })(Page);

@@ -159,13 +159,23 @@ def test_copy_is_scoped_by_the_site_folder(page):
     assert name_shown(page) == INTRUDER
 
 
-def test_lost_connection_is_opened_again(page):
-    """The IndexedDB connection is lost while the page was in the background: the store opens
-    it again once and stores; the player is told nothing."""
-    go(page, "faulty.html?fault=none")
+EVENTS = {"hide": "__hidden = true; document.dispatchEvent(new Event('visibilitychange'))",
+          "show": "__hidden = false; document.dispatchEvent(new Event('visibilitychange'))",
+          "pageshow": "dispatchEvent(new PageTransitionEvent('pageshow', {persisted: true}))",
+          "pagehide": "dispatchEvent(new PageTransitionEvent('pagehide'))"}
+
+
+@pytest.mark.parametrize("events", [["hide"], ["show", "pagehide"], ["pageshow", "pagehide"]],
+                         ids=["hidden", "shown-then-pagehide", "pageshow-then-pagehide"])
+def test_lost_connection_is_opened_again(page, events):
+    """The IndexedDB connection is lost while the page is in the background: hidden, the store
+    opens it again once and stores; back in front, the page opens a new one for the next store.
+    The player is told nothing."""
+    go(page, "faulty.html?fault=hide")
     play_session(page, "Zoé")
     page.js("__loseConnections()")
-    hide(page)
+    for event in events:
+        page.js(EVENTS[event])
     wait_stored(page, ("Zoé", 2, 1))
     assert page.js("return __opens") == 2 and page.boxes() == []
 
@@ -210,3 +220,36 @@ def test_failed_import_keeps_the_stored_file(page, tmp_path):
     text, buttons = ended(page)
     assert "n'a pas pu être enregistré" in text and buttons == ["Relancer Kalvero 4"]
     assert stored(page) == before
+
+
+def test_page_left_for_the_cache_stores_when_back(page):
+    """A page left for the back-forward cache (pagehide persisted, then hidden) starts no
+    IndexedDB work, which WebKit would freeze open and so block every page of the site; the
+    copy holds the session, and the page stores it when it comes back."""
+    go(page, "faulty.html?fault=hide")
+    play_session(page, "Zoé")
+    writes = page.js("return __writes")
+    page.js("dispatchEvent(new PageTransitionEvent('pagehide', {persisted: true}));"
+            "__hidden = true; document.dispatchEvent(new Event('visibilitychange'))")
+    time.sleep(0.5)  # any store begun has had the time to open its transaction
+    assert page.js("return __writes") == writes
+    key = "kalvero4-last-save-file:/a/"
+    copy = json.loads(page.js("return localStorage.getItem(arguments[0])", key))
+    assert totals(b64decode(copy["bytes"])) == ("Zoé", 2, 1)
+    page.js("__hidden = false; document.dispatchEvent(new Event('visibilitychange'));"
+            "dispatchEvent(new PageTransitionEvent('pageshow', {persisted: true}))")
+    wait_stored(page, ("Zoé", 2, 1))
+
+
+def test_page_left_starts_again_with_its_session(page):
+    """Played, then left for another page of the site and opened again: the next start comes at
+    once and holds the session (in WebKit a store begun as the page left used to freeze in the
+    back-forward cache and hold the next start for many seconds)."""
+    page.open()
+    play_session(page, "Zoé")
+    go(page, "blank.html")
+    page.open()
+    assert name_shown(page) == "Zoé"
+    page.enter(CHARACTERS)
+    hide(page)
+    wait_stored(page, ("Zoé", 3, 1))
