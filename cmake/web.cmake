@@ -12,7 +12,7 @@ set(KALVERO_SITE ${CMAKE_BINARY_DIR}/site)
 set(KALVERO_PAGE ${PROJECT_SOURCE_DIR}/web)
 # The page's rooms, in the order they are joined (web/page.js maps them).
 set(KALVERO_PAGE_ROOMS page texts queue painting frame menus input boxes dialogs speech storage
-    start)
+    tabs start)
 set(KALVERO_PAGE_SCRIPTS)
 set(KALVERO_PAGE_PRE_JS)
 foreach(room IN LISTS KALVERO_PAGE_ROOMS)

@@ -11,6 +11,7 @@
 //   dialogs.js   the dialogs from their templates; their controls and commands
 //   speech.js    the frame in words: the live region, and the board's own text
 //   storage.js   the save file in the browser's storage; export and import
+//   tabs.js      one game per browser: a second tab offers to play there instead
 //   start.js     the start and the end of the program
 //
 // library.js (--js-library) holds the functions the C++ glue calls; each is one step into a

@@ -190,10 +190,11 @@
 
   function loadPictures() {
     return Promise.all(Object.keys(kPictureFiles).map(function (id) {
-      return new Promise(function (resolve) {
+      return new Promise(function (resolve, reject) {
         var image = new Image();
         image.onload = function () { state.pictures[id] = image; resolve(); };
-        image.onerror = function () { resolve(); };  // drawn as nothing, as a missing resource
+        // A picture that does not come is a site that did not load: the start says so.
+        image.onerror = function () { reject(new Error('no picture ' + kPictureFiles[id])); };
         image.src = 'pictures/' + kPictureFiles[id] + '.bmp';
       });
     }));
