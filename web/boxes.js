@@ -4,20 +4,28 @@
   var state = Page.state;
   var element = Page.element;
 
-  // The answers as the core numbers them (tools/make_page_resources.py reads them at build time).
-  var kAnswer = {
-    Ok: KalveroResources.core.kAnswerOk, Cancel: KalveroResources.core.kAnswerCancel,
-    Yes: KalveroResources.core.kAnswerYes, No: KalveroResources.core.kAnswerNo,
-  };
+  // The answers, the button sets and the icons as the core numbers them
+  // (tools/make_page_resources.py reads them at build time).
+  var core = KalveroResources.core;
+  var kAnswer = { Ok: core.kAnswerOk, Cancel: core.kAnswerCancel, Yes: core.kAnswerYes, No: core.kAnswerNo };
+  var kButtonBits = 0x0f;  // the low bits choose the buttons, the next ones the icon
+  var kButtons = {};
+  kButtons[core.kAskOk] = [['OK', kAnswer.Ok]];
+  kButtons[core.kAskOkCancel] = [['OK', kAnswer.Ok], ['Annuler', kAnswer.Cancel]];
+  kButtons[core.kAskYesNo] = [['Oui', kAnswer.Yes], ['Non', kAnswer.No]];
+  var kIcons = {};
+  kIcons[core.kAskStop] = 'stop';
+  kIcons[core.kAskExclamation] = 'exclamation';
+  kIcons[core.kAskInformation] = 'information';
 
   // A modal box over the whole page, with the Windows program's buttons and their answers:
   // Enter gives the first button, Escape Cancel where there is one (OK where OK is alone).
   function ask(text, title, flags) {
     return new Promise(function (resolve) {
-      var buttons = { 0: [['OK', kAnswer.Ok]], 1: [['OK', kAnswer.Ok], ['Annuler', kAnswer.Cancel]],
-                      4: [['Oui', kAnswer.Yes], ['Non', kAnswer.No]] }[flags & 0x0f] || [['OK', kAnswer.Ok]];
-      var escape = (flags & 0x0f) === 1 ? kAnswer.Cancel : (flags & 0x0f) === 0 ? kAnswer.Ok : 0;
-      var icon = { 0x10: 'stop', 0x30: 'exclamation', 0x40: 'information' }[flags & 0xf0] || '';
+      var set = flags & kButtonBits;
+      var buttons = kButtons[set] || kButtons[core.kAskOk];
+      var escape = set === core.kAskOkCancel ? kAnswer.Cancel : set === core.kAskOk ? kAnswer.Ok : 0;
+      var icon = kIcons[flags & ~kButtonBits & 0xff] || '';
       var box = windowBox('message-box', title, escape !== 0, function () { done(escape); },
                           'alertdialog');
       box.body.classList.add('message-box-body');
