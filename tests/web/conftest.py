@@ -14,8 +14,10 @@ is not skipped there):
 
     @pytest.mark.engines("chromium", reason="mobile emulation is Chromium's DevTools")
 
-`page.engine` tells a test which engine it has. The run fails, and never skips, when a browser
-or Xvfb cannot start or when no test is selected."""
+`page.engine` tells a test which engine it has. A test that starts a browser of its own (a
+device emulated, a second browser) takes `engine`, `display` (the X display WebKitGTK needs)
+and `server` as fixtures and calls webpage.launch. The run fails, and never skips, when a
+browser or Xvfb cannot start or when no test is selected."""
 
 import os
 import sys

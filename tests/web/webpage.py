@@ -120,12 +120,17 @@ def start_display(log):
     return xvfb, f":{number.decode().strip()}"
 
 
-def launch(profile, downloads, engine="chromium", display=None) -> webdriver.Remote:
+def launch(profile, downloads, engine="chromium", display=None, emulation=None
+           ) -> webdriver.Remote:
     """A fresh browser of that engine: its own profile folder, downloads into `downloads`.
-    WebKitGTK needs an X display (see start_display)."""
+    WebKitGTK needs an X display (see start_display); `emulation` is Chromium's mobile
+    emulation ({"deviceMetrics": ..., "userAgent": ...}), which only Chromium has."""
     if engine == "webkit":
+        assert emulation is None, "WebKitGTK emulates no device"
         return launch_webkit(profile, downloads, display)
     options = webdriver.ChromeOptions()
+    if emulation:
+        options.add_experimental_option("mobileEmulation", emulation)
     options.binary_location = "/usr/bin/chromium"
     for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage",
                      f"--user-data-dir={profile}", "--window-size=%d,%d" % WINDOW):
@@ -150,7 +155,7 @@ def launch_webkit(profile, downloads, display) -> webdriver.WebKitGTK:
     config = profile / "config"
     config.mkdir(parents=True)
     (config / "user-dirs.dirs").write_text(f'XDG_DOWNLOAD_DIR="{downloads}"\n')
-    env = {"DISPLAY": display, "HOME": str(profile), "XDG_CONFIG_HOME": str(config),
+    env = {"DISPLAY": display, "GDK_BACKEND": "x11", "HOME": str(profile), "XDG_CONFIG_HOME": str(config),
            "XDG_DATA_HOME": str(profile / "data"), "XDG_CACHE_HOME": str(profile / "cache")}
     saved = {k: os.environ.get(k) for k in env}
     os.environ.update(env)  # the driver's service starts with this process's environment
