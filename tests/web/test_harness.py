@@ -47,3 +47,18 @@ def test_download_and_missing_file(page, server):
     assert page.download("essai") == bytes([0, 255, 13, 10, 128])
     wait("the missing file counted", lambda: server.failed[failed:] == ["404 GET /absent.bin"])
     forget(page, server, failed)
+
+
+# The pointer a tap gives the page: WebKitGTK's driver turns a W3C touch pointer into a mouse,
+# so there a tap tests the mouse's path; Chromium's gives the page a touch.
+TAP_POINTER = {"chromium": "touch", "webkit": "mouse"}
+
+
+def test_tap_pointer(page):
+    page.open()
+    page.js("""window.__pointers = [];
+        document.getElementById('screen').addEventListener('pointerdown',
+            e => __pointers.push(e.pointerType));""")
+    page.enter()
+    page.touch_board(155, 100)
+    assert wait("the tap", lambda: page.js("return __pointers")) == [TAP_POINTER[page.engine]]
