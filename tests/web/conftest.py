@@ -53,8 +53,16 @@ def pytest_generate_tests(metafunc):
         if unknown or not marker.args:
             raise pytest.UsageError(f"{metafunc.definition.nodeid}: engines{marker.args}")
         chosen = [e for e in chosen if e in marker.args]
-    # One browser of each engine at a time: the tests of an engine run together.
-    metafunc.parametrize("engine", chosen, scope="session")
+    # None: no engine chosen applies; deselected below, where pytest would skip it.
+    metafunc.parametrize("engine", chosen or [None], scope="session")
+
+
+def pytest_collection_modifyitems(config, items):
+    unrun = [i for i in items if getattr(i, "callspec", None) and "engine" in i.callspec.params
+             and i.callspec.params["engine"] is None]
+    if unrun:
+        config.hook.pytest_deselected(items=unrun)
+        items[:] = [i for i in items if i not in unrun]
 
 
 @pytest.fixture(scope="session")
