@@ -7,7 +7,8 @@ from webpage import wait
 TRANSLUCENT_TEXT = """return [...document.querySelectorAll(
     'button, input, select, .static, .menu-title, .message-text')]
   .filter(e => e.getClientRects().length && !/^rgb\\(/.test(getComputedStyle(e).color))
-  .map(e => (e.dataset.control || e.id || e.textContent.trim()) + ': ' + getComputedStyle(e).color);"""
+  .map(e => (e.dataset.control || e.id || e.textContent.trim()) + ': ' +
+             getComputedStyle(e).color);"""
 STATS, ENDED = "Statistiques vitales pour le Kalvero 4", None
 STEPS = [  # what the player does, then the box shown (ENDED: the page after "Quitter")
     (lambda p: p.open(), "Acceuil"),

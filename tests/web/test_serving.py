@@ -18,7 +18,7 @@ def test_serve_site_serves_every_file_as_it_is():
     server = subprocess.Popen([sys.executable, str(REPO / "tools/serve-site"), str(SITE)],
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
     try:
-        line = server.stdout.readline()  # its address; nothing when it ended (the timeout bounds it)
+        line = server.stdout.readline()  # its address; nothing once it ended (pytest's timeout)
         assert "http://127.0.0.1:" in line, line or server.stderr.read()
         address = line.split()[3]
         files = sorted(p.relative_to(SITE).as_posix() for p in SITE.rglob("*") if p.is_file())

@@ -37,7 +37,10 @@ TEST_HOOKS = """<script>(function () {
       (e.target && (e.target.src || e.target.href)))), true);
   addEventListener('unhandledrejection', e => errors.push('rejection: ' + e.reason));
   const report = console.error;
-  console.error = function (...args) { errors.push('console: ' + args.join(' ')); report(...args); };
+  console.error = function (...args) {
+    errors.push('console: ' + args.join(' '));
+    report(...args);
+  };
   const click = HTMLAnchorElement.prototype.click;
   HTMLAnchorElement.prototype.click = function () {
     if (this.download) {
@@ -155,7 +158,8 @@ def launch_webkit(profile, downloads, display) -> webdriver.WebKitGTK:
     config = profile / "config"
     config.mkdir(parents=True)
     (config / "user-dirs.dirs").write_text(f'XDG_DOWNLOAD_DIR="{downloads}"\n')
-    env = {"DISPLAY": display, "GDK_BACKEND": "x11", "HOME": str(profile), "XDG_CONFIG_HOME": str(config),
+    env = {"DISPLAY": display, "GDK_BACKEND": "x11", "HOME": str(profile),
+           "XDG_CONFIG_HOME": str(config),
            "XDG_DATA_HOME": str(profile / "data"), "XDG_CACHE_HOME": str(profile / "cache")}
     saved = {k: os.environ.get(k) for k in env}
     os.environ.update(env)  # the driver's service starts with this process's environment
@@ -252,7 +256,8 @@ class Page:
     def touch_board(self, x, y):
         """A tap of a finger (a W3C touch pointer). WebKitGTK's driver delivers it as a mouse
         pointer: only Chromium sends the page a pointer of type "touch"."""
-        actions = ActionBuilder(self.driver, mouse=PointerInput(interaction.POINTER_TOUCH, "finger"))
+        finger = PointerInput(interaction.POINTER_TOUCH, "finger")
+        actions = ActionBuilder(self.driver, mouse=finger)
         actions.pointer_action.move_to_location(*map(int, self.in_viewport(x, y)))
         actions.pointer_action.pointer_down().pointer_up()
         actions.perform()
