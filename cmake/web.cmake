@@ -61,15 +61,16 @@ foreach(picture IN LISTS KALVERO_PICTURES)
                      DEPENDS ${picture})
   list(APPEND KALVERO_SITE_FILES ${KALVERO_SITE}/pictures/${name})
 endforeach()
-# The menu, accelerators, strings and dialog templates, from the Windows program's own script.
+# The menu, accelerators, strings, dialog templates and picture map, from the Windows program's
+# own script, with the numbers the page shares with the core, from the core's headers (the
+# script names them, and lists every file it read in its depfile).
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 add_custom_command(OUTPUT ${KALVERO_SITE}/resources.js
                    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/make_page_resources.py
-                           ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc
-                           ${PROJECT_SOURCE_DIR}/src/resources/resource.h ${KALVERO_SITE}/resources.js
+                           ${PROJECT_SOURCE_DIR}/src ${KALVERO_SITE}/resources.js
+                           ${CMAKE_CURRENT_BINARY_DIR}/resources.js.d
                    DEPENDS ${PROJECT_SOURCE_DIR}/tools/make_page_resources.py
-                           ${PROJECT_SOURCE_DIR}/src/resources/kalvero4.rc
-                           ${PROJECT_SOURCE_DIR}/src/resources/resource.h)
+                   DEPFILE ${CMAKE_CURRENT_BINARY_DIR}/resources.js.d)
 list(APPEND KALVERO_SITE_FILES ${KALVERO_SITE}/resources.js)
 add_custom_target(site ALL DEPENDS ${KALVERO_SITE_FILES})
 

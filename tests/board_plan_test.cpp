@@ -94,6 +94,8 @@ TEST_F(BoardPlanTest, FrameFromBackgroundToTitleFollowsTheBoardSize) {
       EXPECT_EQ(lines[2 * k - 1].From, (PixelPoint{30 * k, 30}));
       EXPECT_EQ(lines[2 * k - 1].To, (PixelPoint{30 * k, 30 * n}));
     }
+    // Each line carries the board pen's colour, for a host that has no pen of its own.
+    for (const DrawOp& line : lines) EXPECT_EQ(line.Colour, Rgb(0, 192, 255));
     using Text = std::tuple<std::string, PixelPoint, uint32_t>;
     std::vector<Text> texts;
     for (const DrawOp& op : OfKind(frame, DrawKind::Text))
@@ -131,6 +133,26 @@ TEST_F(BoardPlanTest, GridCellsByValueAndStrategy) {
     Grid[3][5] = row.Value;
     ComposeFrameLogic();
     EXPECT_EQ(LookAt(PlanGridBoard(), 3, row.ScreenRow), row.Look);
+  });
+}
+
+// A marked cell's step carries its brush's colour, so that a host paints it without a table of
+// its own: sky blue under the first player's line, gold under the second's, light green elsewhere.
+TEST_F(BoardPlanTest, MarkedCellsCarryTheirBrushColour) {
+  // clang-format off
+  struct Row { const char* Name; uint8_t Value; CellBrush Brush; uint32_t Colour; };
+  const Row rows[] = {{"FirstPlayersLine", 17, CellBrush::SkyBlue, Rgb(0, 160, 255)},
+                      {"SecondPlayersLine", 18, CellBrush::Gold, Rgb(255, 210, 0)},
+                      {"EmptyMarked", 16, CellBrush::LightGreen, Rgb(128, 255, 128)},
+                      {"MarkedTwice", 33, CellBrush::LightGreen, Rgb(128, 255, 128)}};
+  // clang-format on
+  ForEachRow(rows, [](const Row& row) {
+    Grid[2][4] = row.Value;
+    ComposeFrameLogic();
+    const std::vector<DrawOp> fills = OfKind(PlanGridBoard(), DrawKind::FillCell);
+    ASSERT_EQ(fills.size(), 1u);
+    EXPECT_EQ(fills[0].Brush, row.Brush);
+    EXPECT_EQ(fills[0].Colour, row.Colour);
   });
 }
 

@@ -12,6 +12,7 @@
 #include "ground/savefile.h"
 #include "ground/texts.h"
 #include "opponents/new_game.h"
+#include "opponents/turn.h"
 #include "render/frame_logic.h"
 #include "render/viewport.h"
 #include "shell/turnflow.h"
@@ -143,6 +144,39 @@ TEST_F(TurnFlowTest, StatusLineOfTheGridFrame) {
     SessionState.CharacterId = row.Character;
     ComposeFrameLogic();
     EXPECT_EQ(ToUtf8(TextBuffer), row.Expected);
+  });
+}
+
+// A host asks ReplyPending before the end of a repaint to show the wait cursor, and the status
+// line says that the computer thinks: both must hold exactly when RunPendingReplies then replies
+// (and asks for a repaint), for either opponent and whether or not the engine's game is open.
+TEST_F(TurnFlowTest, ReplyPendingIsTrueExactlyWhenTheRepaintReplies) {
+  // clang-format off
+  struct Row { const char* Name; int32_t Ai; bool NewGame, Click; int32_t Pending, EngineSide;
+               bool Expected; };
+  const Row rows[] = {
+    {"SquareMoveAwaitsCheck",        3, true,  true,  -1, -1, true},
+    {"SquareNoMove",                 3, true,  false, -1, -1, false},
+    {"SquareEngineSideIsNotItsTurn", 3, true,  false,  1,  0, false},
+    {"EngineAfterHumanMove",        10, true,  true,  -1, -1, true},
+    {"EngineHumanToMove",           10, true,  false, -1,  1, false},
+    {"EngineTurnGameNotOpen",       10, false, false,  1,  0, false},
+    {"EngineIgnoresSquarePending",  10, true,  false,  2,  1, false},
+  };
+  // clang-format on
+  ForEachRow(rows, [this](const Row& row) {
+    SessionState.AiNumber = row.Ai;
+    SessionState.GameMode = 1;
+    if (row.NewGame) NewGame();
+    if (row.Click) PlayAt(95);
+    if (row.Pending >= 0) SessionState.PendingTurn = row.Pending;
+    if (row.EngineSide >= 0) SessionState.EngineSideToMove = row.EngineSide;
+    const bool pending = ReplyPending();
+    ASSERT_EQ(pending, row.Expected);  // a reply in a game that is not open would not return
+    FakePlatform.RepaintRequests = 0;
+    Repaint();
+    EXPECT_EQ(status_.find("réfléchit") != std::string::npos, pending) << "status: " << status_;
+    EXPECT_EQ(FakePlatform.RepaintRequests > 0, pending) << "the repaint's reply disagrees";
   });
 }
 

@@ -4,18 +4,50 @@ the string table and the dialog templates of src/resources/kalvero4.rc, with the
 resource.h, as one JavaScript file that the page reads (KalveroResources). One script for both
 hosts: a text or a control changed in the .rc changes in the page at the next build.
 
-usage: make_page_resources.py RC_FILE RESOURCE_H OUTPUT_JS
+It carries as well the numbers that the page shares with the portable core and that the core
+holds only as C++ constants (the message boxes' flags and answers, the dialogs' OK and Cancel,
+the buffers' side): they are read from the core's headers, whose `constexpr` lines are plain
+enough to read with one pattern, rather than handed over by the glue at run time, so that the
+page has them before the game starts and a renamed or removed one fails the build's check
+(tests/check_page_resources.py) instead of the page.
+
+usage: make_page_resources.py SRC_DIR OUTPUT_JS [DEPFILE]
+(SRC_DIR is the sources' src/; DEPFILE lists, for the build, every file that was read)
 """
 import json
 import re
 import sys
+from pathlib import Path
 
-# The numbers that the .rc takes from the platform's headers.
-PLATFORM_IDS = {"IDOK": 1, "IDCANCEL": 2}
+# The resource script and its numbers, and the core's headers whose constants the page uses.
+RESOURCE_SCRIPT = "resources/kalvero4.rc"
+RESOURCE_NUMBERS = "resources/resource.h"
+CORE_HEADERS = ["ground/platform.h", "dialogs/dialog_host.h", "render/viewport.h",
+                "render/board_plan.h"]
+
+# The numbers that the .rc takes from the platform's headers, as the core names them.
+PLATFORM_IDS = {"IDOK": "kOkControl", "IDCANCEL": "kCancelControl"}
 
 
-def read_defines(path):
-    ids = dict(PLATFORM_IDS)
+def read_constants(paths):
+    """The core's integer constants (`constexpr TYPE kName = NUMBER;`) of the given headers, and
+    its enumerations (`enum class Name { A, B, C };`, numbered from 0 as C++ numbers them) as
+    {"Name": {"A": 0, ...}}."""
+    constants = {}
+    for path in paths:
+        text = open(path, encoding="cp1252").read()
+        for name, value in re.findall(r"^constexpr [\w:]+ (k\w+) = (0x[0-9A-Fa-f]+|-?\d+);", text, re.M):
+            constants[name] = int(value, 0)
+        for name, body in re.findall(r"^enum class (\w+) \{(.*?)\};", text, re.M | re.S):
+            words = [w.strip() for w in re.sub(r"//[^\n]*", "", body).split(",") if w.strip()]
+            if any(not re.fullmatch(r"\w+", w) for w in words):
+                sys.exit(f"{path}: enum class {name} sets its own numbers, which this script does not read")
+            constants[name] = {w: i for i, w in enumerate(words)}
+    return constants
+
+
+def read_defines(path, constants):
+    ids = {name: constants[core] for name, core in PLATFORM_IDS.items()}
     for name, value in re.findall(r"^#define (\w+) \(?(-?\d+)\)?", open(path, encoding="cp1252").read(), re.M):
         ids[name] = int(value)
     return ids
@@ -38,7 +70,8 @@ def number(word, ids):
 
 def parse(rc_text, ids):
     lines = [l.strip() for l in rc_text.splitlines()]
-    out = {"menu": [], "accelerators": {}, "strings": {}, "dialogs": {}}
+    out = {"menu": [], "accelerators": {}, "strings": {}, "dialogs": {}, "pictures": {},
+           "icons": {}}
     i = 0
     while i < len(lines):
         line = lines[i]
@@ -71,8 +104,14 @@ def parse(rc_text, ids):
                 name = lines[i].split()[0]
                 out["strings"][str(ids[name])] = strings_of(lines[i])[0]
                 i += 1
+        elif m := re.match(r"(\w+) +(BITMAP|ICON) +\"(.*)\"$", line):
+            # The site keeps the pictures at the same paths as the script names them.
+            kind = "pictures" if m.group(2) == "BITMAP" else "icons"
+            out[kind][str(ids[m.group(1)])] = m.group(3)
         elif m := re.match(r"(\w+) DIALOG(?:EX)? (\d+), (\d+), (\d+), (\d+)$", line):
-            dialog = {"size": [int(m.group(4)), int(m.group(5))], "controls": []}
+            # The place is the window's top-left corner, from the owner's client area.
+            dialog = {"place": [int(m.group(2)), int(m.group(3))],
+                      "size": [int(m.group(4)), int(m.group(5))], "controls": []}
             out["dialogs"][str(ids[m.group(1)])] = dialog
             i += 1
             while lines[i] != "BEGIN":
@@ -104,12 +143,32 @@ def parse(rc_text, ids):
     return out
 
 
+def inputs(src):
+    return [Path(src) / name for name in [RESOURCE_SCRIPT, RESOURCE_NUMBERS] + CORE_HEADERS]
+
+
+def make(src):
+    """The page's resources from the sources in src (the folder src/)."""
+    src = Path(src)
+    constants = read_constants([src / name for name in CORE_HEADERS])
+    ids = read_defines(src / RESOURCE_NUMBERS, constants)
+    resources = parse(open(src / RESOURCE_SCRIPT, encoding="cp1252").read(), ids)
+    resources["ids"] = ids
+    resources["core"] = constants
+    return resources
+
+
 def main():
-    rc_path, header, output = sys.argv[1:4]
-    ids = read_defines(header)
-    resources = parse(open(rc_path, encoding="cp1252").read(), ids)
+    if len(sys.argv) not in (3, 4):
+        sys.exit(__doc__.strip().splitlines()[-2])
+    src, output = sys.argv[1:3]
+    resources = make(src)
+    if len(sys.argv) == 4:
+        with open(sys.argv[3], "w", encoding="utf-8") as f:
+            f.write(output.replace(" ", "\\ ") + ": " + " ".join(
+                str(p.resolve()).replace(" ", "\\ ") for p in inputs(src)) + "\n")
     with open(output, "w", encoding="utf-8") as f:
-        f.write("// Made at build time from the Windows program's resource script.\n")
+        f.write("// Made at build time from the Windows program's resource script and the core's headers.\n")
         f.write("var KalveroResources = " + json.dumps(resources, ensure_ascii=False, separators=(",", ":")) + ";\n")
 
 

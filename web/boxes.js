@@ -4,7 +4,11 @@
   var state = Page.state;
   var element = Page.element;
 
-  var kAnswer = { Ok: 1, Cancel: 2, Yes: 6, No: 7 };
+  // The answers as the core numbers them (tools/make_page_resources.py reads them at build time).
+  var kAnswer = {
+    Ok: KalveroResources.core.kAnswerOk, Cancel: KalveroResources.core.kAnswerCancel,
+    Yes: KalveroResources.core.kAnswerYes, No: KalveroResources.core.kAnswerNo,
+  };
 
   // A modal box over the whole page, with the Windows program's buttons and their answers:
   // Enter gives the first button, Escape Cancel where there is one (OK where OK is alone).
@@ -81,6 +85,7 @@
   function showBox(box) {
     state.modal += 1;
     Page.openMenu(null);
+    Page.stretchForFinger(box.body);
     element('desktop').appendChild(box.layer);
     var anchor = element('window').getBoundingClientRect();
     var size = box.frame.getBoundingClientRect();
@@ -89,7 +94,7 @@
     var top = box.top !== undefined ? anchor.top + box.top
               : anchor.top + Math.max(0, (anchor.height - size.height) / 2);
     box.frame.style.left = Math.max(0, Math.min(left, window.innerWidth - size.width)) + 'px';
-    box.frame.style.top = Math.max(0, top) + 'px';
+    box.frame.style.top = Math.max(0, Math.min(top, window.innerHeight - size.height)) + 'px';
   }
 
   function closeBox(box) {

@@ -6,9 +6,10 @@
   var state = Page.state;
   var element = Page.element;
 
-  var kDialogIds = [132, 161, 156, 103];  // home, characters, statistics, about
-  var kOk = 1;
-  var kCancel = 2;
+  // The game names each dialog by its template's number, and sets the texts that the Windows
+  // dialogs draw on their owner-drawn buttons; OK and Cancel are the core's numbers.
+  var kOk = KalveroResources.core.kOkControl;
+  var kCancel = KalveroResources.core.kCancelControl;
 
   // Dialog units to pixels by the dialog's font: a quarter of the average character width
   // across, an eighth of the character height down.
@@ -19,11 +20,8 @@
     'Tahoma': '12px Tahoma, Arial, "Liberation Sans", sans-serif',
     'Comic Sans MS': '13px "Comic Sans MS", "Comic Neue", "DejaVu Sans", sans-serif',
   };
-  // What the Windows dialogs draw themselves in place of their buttons' texts.
-  var kOwnerDrawnTexts = { 132: { 1: 'Ok', 2: 'Pas Ok' }, 161: { 1: 'Ok' } };
 
-  function openDialog(kind) {
-    var id = kDialogIds[kind];
+  function openDialog(id) {
     var template = KalveroResources.dialogs[id];
     var units = kFontUnits[template.font[1]] || [6, 13];
     function px(v, axis) { return Math.round(v * units[axis] / (axis === 0 ? 4 : 8)); }
@@ -49,12 +47,13 @@
       if (e.key === 'Escape') { e.preventDefault(); command(kCancel); }
       if (e.key === 'Enter' && document.activeElement.tagName !== 'BUTTON') { e.preventDefault(); command(kOk); }
     });
-    // Placed as Windows places a dialog without its own centring: at its template's place from
-    // the top-left corner of the main window's client area.
+    // Placed as Windows places a dialog without DS_CENTER or DS_ABSALIGN: its frame's top-left
+    // corner at its template's place, in the dialog's units, from the top-left corner of the
+    // main window's client area.
     var client = state.screen.getBoundingClientRect();
     var windowBoxRect = element('window').getBoundingClientRect();
-    box.left = client.left - windowBoxRect.left;
-    box.top = client.top - windowBoxRect.top;
+    box.left = client.left - windowBoxRect.left + px(template.place[0], 0);
+    box.top = client.top - windowBoxRect.top + px(template.place[1], 1);
     state.dialog = dialog;
     state.dialogCommands = [];
     Page.showBox(box);
@@ -95,8 +94,8 @@
       if (style.indexOf('WS_TABSTOP') >= 0) input.dataset.tabstop = '1';
     } else if (t.class === 'Button') {
       el = document.createElement('button');
-      var drawn = (kOwnerDrawnTexts[dialog.id] || {})[t.id];
-      Page.labelInto(el, drawn !== undefined ? drawn : t.text);
+      el.setText = function (text) { Page.labelInto(el, text); };
+      el.setText(t.text);
       if (style.indexOf('BS_OWNERDRAW') >= 0) el.classList.add('owner-drawn');
       if (style.indexOf('BS_DEFPUSHBUTTON') >= 0) el.classList.add('default');
       el.addEventListener('click', function () { command(t.id); });
@@ -126,7 +125,7 @@
       if (style.indexOf('WS_TABSTOP') >= 0) el.dataset.tabstop = '1';
     } else if (t.icon !== null) {
       el = document.createElement('img');
-      el.src = 'pictures/kalvero4.ico';
+      el.src = KalveroResources.icons[t.icon];
       el.className = 'dialog-icon';
     } else {
       el = document.createElement('div');

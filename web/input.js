@@ -5,11 +5,12 @@
   var state = Page.state;
   var element = Page.element;
 
-  // Client pixels of an event, whatever the scale the page shows the window at.
+  // Client pixels of an event: the screen canvas covers the client area, whatever the pixel
+  // ratio of its own pixels.
   function clientPoint(e) {
     var box = state.screen.getBoundingClientRect();
-    var x = Math.floor((e.clientX - box.left) * state.screen.width / (box.width || 1));
-    var y = Math.floor((e.clientY - box.top) * state.screen.height / (box.height || 1));
+    var x = Math.floor((e.clientX - box.left) * state.clientWidth / (box.width || 1));
+    var y = Math.floor((e.clientY - box.top) * state.clientHeight / (box.height || 1));
     return [x, y];
   }
 
@@ -71,6 +72,11 @@
       }
       grip.addEventListener('pointermove', move);
       grip.addEventListener('pointerup', up);
+    });
+    // A long press or a right click on the window or a box opens no menu of the browser's, as
+    // none opens on the Windows program's; a text field keeps its own.
+    element('desktop').addEventListener('contextmenu', function (e) {
+      if (!e.target.closest('input, select')) e.preventDefault();
     });
     element('close-box').addEventListener('click', function () {
       if (inputAllowed()) Page.message('WebClose');

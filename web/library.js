@@ -24,7 +24,7 @@ mergeInto(LibraryManager.library, {
   kv_dialog_wait: function () {
     return Asyncify.handleSleep(function (wakeUp) { Page.nextDialogCommand().then(wakeUp); });
   },
-  kv_dialog_open: function (kind) { Page.openDialog(kind); },
+  kv_dialog_open: function (template) { Page.openDialog(template); },
   kv_dialog_close: function () { Page.closeDialog(); },
   kv_dialog_checked: function (control) { return Page.dialogChecked(control) ? 1 : 0; },
   kv_dialog_set_checked: function (control, checked) { Page.setDialogChecked(control, checked !== 0); },

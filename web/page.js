@@ -33,7 +33,7 @@
 //     kv_request_repaint(), kv_repaint_begins(), kv_end_program(code), kv_set_title(normal),
 //     kv_resize_window(width, height), kv_set_check(command, checked),
 //     kv_draw(...), kv_refill_background(width, height), kv_present(...),
-//     kv_dialog_open(kind), kv_dialog_close(), kv_dialog_checked(control),
+//     kv_dialog_open(template), kv_dialog_close(), kv_dialog_checked(control),
 //     kv_dialog_set_checked(...), kv_dialog_text(...), kv_dialog_set_text(...),
 //     kv_list_add(...), kv_list_selection(control), kv_list_set_selection(...),
 //     kv_store_files()

@@ -4,21 +4,34 @@
   'use strict';
   var state = Page.state;
 
-  var kBufferSide = 660;
+  // The numbers and the picture map come from the core and the resource script at build time
+  // (tools/make_page_resources.py), never typed here again.
+  var kBufferSide = KalveroResources.core.kBufferSide;
 
-  // Numbers shared with the game: drawing steps, brushes, raster operations, box flags.
-  var kDraw = { FillBlack: 0, CopyBackground: 1, Line: 2, FillCell: 3, Bitmap: 4, Text: 5 };
-  var kBrushColours = [null, 'rgb(0,160,255)', 'rgb(255,210,0)', 'rgb(128,255,128)'];
-  var kRasterModes = ['source-over', 'multiply', 'lighter'];  // copy, AND, OR on 0/255 pixels
-  var kRasterAnd = 1;
-  var kRasterOr = 2;
+  // The plan's drawing steps, brushes and raster operations, as the core numbers them. A marked
+  // cell's brush and a line's pen come with their colours in each step.
+  var kDraw = KalveroResources.core.DrawKind;
+  var kNoBrush = KalveroResources.core.CellBrush.None;
+  var kRaster = KalveroResources.core.RasterOp;
+  var kRasterAnd = kRaster.And;
+  var kRasterOr = kRaster.Or;
+  var kRasterModes = {};  // copy, AND, OR on 0/255 pixels
+  kRasterModes[kRaster.Copy] = 'source-over';
+  kRasterModes[kRaster.And] = 'multiply';
+  kRasterModes[kRaster.Or] = 'lighter';
 
-  // Bitmaps by resource number, as the Windows program's resource script names them.
-  var kPictureFiles = { 148: 'bg148', 154: 'mask154' };
-  var kPieceMask = 154;
-  var kPieceSprites = [152, 153, 155, 156, 157, 158, 159, 160, 161];
-  kPieceSprites.forEach(function (n) { kPictureFiles[n] = 'disc' + n; });
-  for (var p = 0; p < 14; ++p) kPictureFiles[30000 + p] = 'portrait' + (30000 + p);
+  // Bitmaps by resource number, by the names of their files in the resource script
+  // (pictures/NAME.bmp, where the site keeps them too).
+  var kPictureFiles = {};
+  Object.keys(KalveroResources.pictures).forEach(function (id) {
+    kPictureFiles[id] = KalveroResources.pictures[id].replace(/^pictures\/|\.bmp$/g, '');
+  });
+  var kBackground = KalveroResources.ids.IDB_BACKGROUND;
+  var kPieceMask = KalveroResources.ids.IDB_DISC_MASK;
+  // Every other picture may be a piece's sprite: those of the mask's size that pair with it are
+  // drawn as one picture (prepareMaskedSprites), the rest as they are.
+  var kPieceSprites = Object.keys(kPictureFiles).map(Number)
+      .filter(function (id) { return id !== kPieceMask; });
 
   // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
   // descent, which is a 15-pixel em in the faces below; the text's top is its ascent above the
@@ -115,13 +128,13 @@
         break;
       case kDraw.Line:
         // The board's lines run along a row or a column; the end point is not drawn.
-        g.fillStyle = 'rgb(0,192,255)';
+        g.fillStyle = css(colour);
         if (y === y2) g.fillRect(Math.min(x, x2 + 1), y, Math.abs(x2 - x), 1);
         else if (x === x2) g.fillRect(x, Math.min(y, y2 + 1), 1, Math.abs(y2 - y));
         break;
       case kDraw.FillCell:
-        if (kBrushColours[what]) {
-          g.fillStyle = kBrushColours[what];
+        if (what !== kNoBrush) {
+          g.fillStyle = css(colour);
           g.fillRect(x, y, width, height);
         }
         break;
@@ -148,20 +161,29 @@
     var g = state.backgroundContext;
     g.fillStyle = '#000';
     g.fillRect(0, 0, kBufferSide, kBufferSide);
-    var picture = state.pictures[148];
+    var picture = state.pictures[kBackground];
     if (picture && width > 0 && height > 0) g.drawImage(picture, 0, 0, width, height);
   }
 
+  // The frame on the screen canvas, whose pixels are the device's (frame.js sizes it): places in
+  // client pixels are multiplied by the pixel ratio and rounded, so that without smoothing every
+  // logical pixel becomes whole device pixels of one colour, at any ratio.
   function present(sourceWidth, sourceHeight, x, y, width, height, smoothing, black) {
     draw(-1);  // a mask still waiting for its sprite is drawn as it is
+    var ratio = state.pixelRatio;
+    function device(v) { return Math.round(v * ratio); }
+    function fill(left, top, w, h) {
+      g.fillRect(device(left), device(top), device(left + w) - device(left), device(top + h) - device(top));
+    }
     var g = state.screenContext;
     g.imageSmoothingEnabled = smoothing;
     g.imageSmoothingQuality = 'high';
     if (width > 0 && height > 0 && sourceWidth > 0 && sourceHeight > 0) {
-      g.drawImage(state.back, 0, 0, sourceWidth, sourceHeight, x, y, width, height);
+      g.drawImage(state.back, 0, 0, sourceWidth, sourceHeight, device(x), device(y),
+                  device(x + width) - device(x), device(y + height) - device(y));
     }
     g.fillStyle = '#000';
-    for (var i = 0; i + 3 < black.length; i += 4) g.fillRect(black[i], black[i + 1], black[i + 2], black[i + 3]);
+    for (var i = 0; i + 3 < black.length; i += 4) fill(black[i], black[i + 1], black[i + 2], black[i + 3]);
     // The moment the first frame is on the screen, for measuring the start.
     if (!state.framesShown++) performance.mark('kalvero4-first-frame');
   }

@@ -40,7 +40,8 @@ bool DrawOkButton(const DRAWITEMSTRUCT& item) {
   SetBkMode(item.hDC, TRANSPARENT);
   SetTextColor(item.hDC, RGB(255, 255, 255));
   RECT text = item.rcItem;
-  DrawTextA(item.hDC, "Ok", 2, &text, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+  DrawTextA(item.hDC, OwnerDrawnLabel(DialogKind::Characters, IDOK), -1, &text,
+            DT_CENTER | DT_VCENTER | DT_SINGLELINE);
   return true;
 }
 

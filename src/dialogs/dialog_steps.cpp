@@ -161,6 +161,27 @@ void AboutDialogCommand(int32_t control) {
   if (control == kOkControl || control == kCancelControl) EndOpenDialog(control);
 }
 
+int32_t DialogTemplate(DialogKind kind) {
+  switch (kind) {
+    case DialogKind::Home:
+      return IDD_HOME;
+    case DialogKind::Characters:
+      return IDD_CHARACTERS;
+    case DialogKind::Stats:
+      return IDD_STATS;
+    case DialogKind::About:
+      return IDD_ABOUT;
+  }
+  return 0;
+}
+
+const char* OwnerDrawnLabel(DialogKind kind, int32_t control) {
+  if (kind == DialogKind::Home && control == kOkControl) return "Ok";
+  if (kind == DialogKind::Home && control == kCancelControl) return "Pas Ok";
+  if (kind == DialogKind::Characters && control == kOkControl) return "Ok";
+  return nullptr;
+}
+
 void OpenDialogSteps(DialogKind kind) {
   switch (kind) {
     case DialogKind::Home:

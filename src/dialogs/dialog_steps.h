@@ -13,6 +13,14 @@ enum class DialogKind { Home, Characters, Stats, About };
 void OpenDialogSteps(DialogKind kind);
 void RunDialogCommand(DialogKind kind, int32_t control);
 
+// The number of a dialog's template in the resource script, by which every host shows it.
+int32_t DialogTemplate(DialogKind kind);
+
+// What a dialog draws on an owner-drawn button in place of its template's text ("Ok" and
+// "Pas Ok" in the home dialog, "Ok" in the characters dialog), or nullptr for a control that
+// shows its template's own.
+const char* OwnerDrawnLabel(DialogKind kind, int32_t control);
+
 // The home dialog: players, level or statistics slot, board size, challenge.
 void OpenHomeDialog();
 void HomeDialogCommand(int32_t control);

@@ -44,7 +44,8 @@ bool DrawButton(const DRAWITEMSTRUCT& item) {
   FrameRect(item.hDC, &item.rcItem, Brushes.Frame);
   SetBkMode(item.hDC, TRANSPARENT);
   RECT text = item.rcItem;
-  DrawTextA(item.hDC, ok ? "Ok" : "Pas Ok", -1, &text, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+  DrawTextA(item.hDC, OwnerDrawnLabel(DialogKind::Home, ok ? IDOK : IDCANCEL), -1, &text,
+            DT_CENTER | DT_VCENTER | DT_SINGLELINE);
   return true;
 }
 

@@ -147,3 +147,9 @@ void PlayTurn(int32_t x) {
   }
   ComputerReply(x / kCellPixels);
 }
+
+bool ReplyPending() {
+  const SessionRecord& s = SessionState;
+  if (PlaysWithEngine(s.AiNumber)) return s.EngineSideToMove == 0 && EngineGameOpen();
+  return s.PendingTurn == 2;
+}

@@ -41,6 +41,7 @@ DrawOp Filled(DrawKind kind, PixelRect rect) {
 DrawOp Line(PixelPoint from, PixelPoint to) {
   DrawOp op;
   op.Kind = DrawKind::Line;
+  op.Colour = kGridLineColour;
   op.From = from;
   op.To = to;
   return op;
@@ -120,6 +121,7 @@ void PlanGridCell(DrawList& out, int32_t x, int32_t y, int32_t value) {
     fill.Brush = value == kMark + 1   ? CellBrush::SkyBlue
                  : value == kMark + 2 ? CellBrush::Gold
                                       : CellBrush::LightGreen;
+    fill.Colour = BrushColour(fill.Brush);
     out.push_back(fill);
     if (value == kMark + 1 || value == kMark + 2) PlanPiece(out, x, y, value - kMark);
     return;

@@ -41,13 +41,27 @@ extern const PixelSize PortraitSizes[14];
 enum class DrawKind {
   FillBlack,       // Rect filled with black
   CopyBackground,  // Rect copied from the background surface at the same place
-  Line,            // From .. To with the board's pen; the end point itself is not drawn
-  FillCell,        // Rect filled with Brush; right and bottom edges excluded
+  Line,            // From .. To with the board's pen (of Colour); the end point is not drawn
+  FillCell,        // Rect filled with Brush (of Colour); right and bottom edges excluded
   Bitmap,          // bitmap Resource drawn at Rect's size by Raster
   Text,            // Text at At in Colour, on a transparent background
 };
 
 enum class CellBrush { None, SkyBlue, Gold, LightGreen };
+
+// The colour of each brush of a marked cell; None paints nothing.
+constexpr uint32_t BrushColour(CellBrush brush) {
+  switch (brush) {
+    case CellBrush::SkyBlue:
+      return Rgb(0, 160, 255);
+    case CellBrush::Gold:
+      return Rgb(255, 210, 0);
+    case CellBrush::LightGreen:
+      return Rgb(128, 255, 128);
+    default:
+      return 0;
+  }
+}
 enum class RasterOp { Copy, And, Or };
 
 struct DrawOp {

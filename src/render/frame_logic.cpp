@@ -11,6 +11,7 @@
 #include "opponents/new_game.h"
 #include "opponents/referee.h"
 #include "opponents/roster.h"
+#include "opponents/turn.h"
 
 namespace {
 
@@ -58,8 +59,7 @@ void ResultStatus(int32_t result) {
 void GridFrame() {
   const SessionRecord& s = SessionState;
   CeilingRule();
-  const bool engine = PlaysWithEngine(s.AiNumber);
-  if (s.GameMode == 1 && ((s.PendingTurn == 2 && !engine) || (s.EngineSideToMove == 0 && engine))) {
+  if (s.GameMode == 1 && ReplyPending()) {
     return Status(kThinking, RosterEntry(s.CharacterId).ShortName.c_str());
   }
   if (s.GameResult != 0) return ResultStatus(s.GameResult);
@@ -93,7 +93,7 @@ void EngineGameEnds() {
 void EngineFrame() {
   SessionRecord& s = SessionState;
   if (EngineBoardHasPiece()) s.GameStarted = 1;
-  if (s.GameMode == 1 && s.EngineSideToMove == 0) return Status("%s", kEngineThinking.c_str());
+  if (s.GameMode == 1 && ReplyPending()) return Status("%s", kEngineThinking.c_str());
   if (EngineHasWon(0) || EngineHasWon(1) || EngineBoardFull()) return EngineGameEnds();
   LevelOrSectionStatus();
 }

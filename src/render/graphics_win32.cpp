@@ -67,9 +67,9 @@ void CreateGraphicResources() {
   Graphics.TextFont = CreateFontA(18, 0, 0, 0, 0, FALSE, FALSE, FALSE, 0, OUT_DEFAULT_PRECIS,
                                   CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, VARIABLE_PITCH, "Tahoma");
   Graphics.DialogBrush = CreateSolidBrush(RGB(128, 192, 255));
-  Graphics.GoldBrush = CreateSolidBrush(RGB(255, 210, 0));
-  Graphics.SkyBlueBrush = CreateSolidBrush(RGB(0, 160, 255));
-  Graphics.LightGreenBrush = CreateSolidBrush(RGB(128, 255, 128));
+  Graphics.GoldBrush = CreateSolidBrush(BrushColour(CellBrush::Gold));
+  Graphics.SkyBlueBrush = CreateSolidBrush(BrushColour(CellBrush::SkyBlue));
+  Graphics.LightGreenBrush = CreateSolidBrush(BrushColour(CellBrush::LightGreen));
   Graphics.WaitCursor = LoadCursorA(nullptr, MAKEINTRESOURCEA(32514));
 }
 
@@ -93,7 +93,7 @@ void DrawResourceBitmap(HDC target, int32_t resource, int32_t x, int32_t y, int3
 
 void FirstPaintSetup(HDC paint) {
   NewGame();
-  Graphics.GridPen = CreatePen(PS_SOLID, 1, RGB(0, 192, 255));
+  Graphics.GridPen = CreatePen(PS_SOLID, 1, kGridLineColour);
   Graphics.BackBuffer = CreateBufferSurface(paint);
   SelectObject(Graphics.BackBuffer, Graphics.GridPen);
   Graphics.BackgroundBuffer = CreateBufferSurface(paint);

@@ -41,19 +41,20 @@ void PlayKey(int8_t c) {
   PlayAt(kCellPixels * (c - '0'));
 }
 
+// Whether to reply is ReplyPending's decision alone, so that what a host or the status line
+// shows beforehand is what happens here.
 void RunPendingReplies() {
   SessionRecord& s = SessionState;
-  if (s.PendingTurn == 2 && !PlaysWithEngine(s.AiNumber)) {
-    s.GameStarted = 1;
-    PlayTurn(MouseX);
-    RequestRepaint();
-    s.PendingTurn = 1;
-  }
-  if (s.EngineSideToMove == 0 && PlaysWithEngine(s.AiNumber) && EngineGameOpen()) {
-    s.GameStarted = 1;
+  if (!ReplyPending()) return;
+  s.GameStarted = 1;
+  if (PlaysWithEngine(s.AiNumber)) {
     EngineChooseAndPlay(0, EngineSearchDepth());
     RequestRepaint();
     s.EngineSideToMove = 1;
+  } else {
+    PlayTurn(MouseX);
+    RequestRepaint();
+    s.PendingTurn = 1;
   }
 }
 

@@ -12,8 +12,8 @@ void PlayAt(int32_t x);
 // "9" the further ones. Keys below "1" or beyond the board's last column + 1 are ignored.
 void PlayKey(int8_t c);
 
-// The second step of a move, if one is pending: the check and the computer's reply, or the
-// engine's move. Called at the end of every repaint.
+// The second step of a move, if one is pending (ReplyPending, opponents/turn.h): the check and
+// the computer's reply, or the engine's move. Called at the end of every repaint.
 void RunPendingReplies();
 
 // The closing steps when the main window is destroyed: a started, undecided game that the menu

@@ -1,5 +1,6 @@
 // The dialogs in the page: the portable dialog steps run over the page's form elements, and a
 // dialog's modal loop waits for the player's next command without blocking the browser.
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -55,8 +56,13 @@ int32_t AskFromDialog(const char* text, const char* title, uint32_t flags, BoxOw
   return kv_ask(text, title, flags);
 }
 
+// The page builds the dialog from its template, then shows on the owner-drawn buttons what the
+// Windows dialogs draw there.
 void RunDialog(DialogKind kind) {
-  kv_dialog_open(static_cast<int32_t>(kind));
+  kv_dialog_open(DialogTemplate(kind));
+  for (const int32_t control : {kOkControl, kCancelControl}) {
+    if (const char* label = OwnerDrawnLabel(kind, control)) kv_dialog_set_text(control, label);
+  }
   DialogEnded = false;
   OpenDialogSteps(kind);
   while (!DialogEnded) RunDialogCommand(kind, kv_dialog_wait());

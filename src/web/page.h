@@ -25,7 +25,7 @@ void kv_present(int32_t sourceWidth, int32_t sourceHeight, int32_t x, int32_t y,
 // Modal boxes and dialogs. These two wait for the player: the core's call sleeps meanwhile.
 int32_t kv_ask(const char* text, const char* title, uint32_t flags);
 int32_t kv_dialog_wait();
-void kv_dialog_open(int32_t kind);
+void kv_dialog_open(int32_t dialogTemplate);  // the template's number in the resource script
 void kv_dialog_close();
 int32_t kv_dialog_checked(int32_t control);
 void kv_dialog_set_checked(int32_t control, int32_t checked);

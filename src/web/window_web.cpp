@@ -10,7 +10,7 @@
 #include "ground/savefile.h"
 #include "ground/session.h"
 #include "opponents/new_game.h"
-#include "opponents/roster.h"
+#include "opponents/turn.h"
 #include "render/board_plan.h"
 #include "render/viewport.h"
 #include "shell/menu_commands.h"
@@ -192,9 +192,7 @@ EMSCRIPTEN_KEEPALIVE int32_t WebPaint() {
 // Whether the second half of this repaint makes the computer think: the page shows the wait
 // cursor and lets the frame reach the screen first.
 EMSCRIPTEN_KEEPALIVE int32_t WebReplyPending() {
-  const SessionRecord& s = SessionState;
-  const bool engine = PlaysWithEngine(s.AiNumber);
-  return (s.PendingTurn == 2 && !engine) || (s.EngineSideToMove == 0 && engine) ? 1 : 0;
+  return ReplyPending() ? 1 : 0;
 }
 
 // The second half: the first dialogs, the pending reply, one more repaint if asked. It may

@@ -14,7 +14,7 @@ from webpage import wait
 
 CLI = os.environ.get("KALVERO_CLI", Path(__file__).parents[2] / "build/native/kalvero4-cli")
 CELLS, LOGICAL, OUTER = 7, [293, 273], [301, 319]  # a first start's board and window at 1x
-HOME, CHARACTERS, WARNING = "Acceuil", "Personnages", "Attention"
+HOME, CHARACTERS, WARNING, ABOUT = "Acceuil", "Personnages", "Attention", "À propos de..."
 TWO_PLAYERS, HOME_CELLS, LIST, NAME = "18005", "1022", "1031", "1033"
 
 
@@ -62,6 +62,30 @@ def test_first_start_and_moves(page):
         assert sorted(new.values()) == ["green", "red"] and x == column, new
         assert y == CELLS or (x, y + 1) in before, "the piece hangs in the air"
         assert near(board.getpixel((30 * x + 16, 30 * y + 16)), PIECES["green"])
+
+
+def test_dialogs_from_their_templates(page):
+    """The owner-drawn buttons show what the Windows dialogs draw on them, and the about box
+    ("D") opens where its template places it, not at the client area's corner."""
+    def buttons(caption):
+        page.box(caption)
+        return page.js("return [...document.querySelectorAll('.box button[data-control]')]"
+                       ".map(b => [b.dataset.control, b.textContent])")
+    page.open()
+    assert buttons(HOME) == [["1", "Ok"], ["2", "Pas Ok"]]
+    page.enter(HOME)
+    assert buttons(CHARACTERS) == [["1", "Ok"], ["1039", "A\nI\nD\nE"]]
+    page.enter(CHARACTERS)
+    page.keys("d")
+    assert buttons(ABOUT) == [["1", "OK"]]
+    frame, client = page.js("""return [document.querySelector('.box').getBoundingClientRect(),
+        document.getElementById('screen').getBoundingClientRect()]""")
+    # 22, 17 dialog units in the box's font, Comic Sans MS at 10 points, whose average character
+    # is 7 x 18 pixels: a unit is a quarter of its width across and an eighth of its height down.
+    assert abs(frame["left"] - client["left"] - 39) <= 1
+    assert abs(frame["top"] - client["top"] - 38) <= 1
+    page.enter(ABOUT)
+    assert page.boxes() == []
 
 
 def test_two_players_lines_and_export(page, tmp_path):

@@ -12,6 +12,7 @@ import os
 import select
 import subprocess
 import threading
+import time
 
 from desktop import wait  # the suites poll alike
 from PIL import Image
@@ -123,17 +124,12 @@ def start_display(log):
     return xvfb, f":{number.decode().strip()}"
 
 
-def launch(profile, downloads, engine="chromium", display=None, emulation=None
-           ) -> webdriver.Remote:
+def launch(profile, downloads, engine="chromium", display=None) -> webdriver.Remote:
     """A fresh browser of that engine: its own profile folder, downloads into `downloads`.
-    WebKitGTK needs an X display (see start_display); `emulation` is Chromium's mobile
-    emulation ({"deviceMetrics": ..., "userAgent": ...}), which only Chromium has."""
+    WebKitGTK needs an X display (see start_display); a phone is launch_phone's."""
     if engine == "webkit":
-        assert emulation is None, "WebKitGTK emulates no device"
         return launch_webkit(profile, downloads, display)
     options = webdriver.ChromeOptions()
-    if emulation:
-        options.add_experimental_option("mobileEmulation", emulation)
     options.binary_location = "/usr/bin/chromium"
     for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage",
                      f"--user-data-dir={profile}", "--window-size=%d,%d" % WINDOW):
@@ -307,3 +303,71 @@ class Page:
         wait(f"'{name}' saved with the page's bytes",
              lambda: path.is_file() and path.read_bytes() == data)
         return data
+
+
+def launch_phone(profile, downloads, width, height, ratio) -> webdriver.Chrome:
+    """Chromium as a phone or a tablet: its screen, pixel ratio and touch, before any page."""
+    options = webdriver.ChromeOptions()
+    options.binary_location = "/usr/bin/chromium"
+    for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage",
+                     f"--user-data-dir={profile}", "--window-size=1200,1200"):
+        options.add_argument(argument)
+    options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+    driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
+    driver.execute_cdp_cmd("Browser.setDownloadBehavior",
+                           {"behavior": "allow", "downloadPath": str(downloads)})
+    emulate(driver, width, height, ratio)
+    driver.execute_cdp_cmd("Emulation.setTouchEmulationEnabled",
+                           {"enabled": True, "maxTouchPoints": 5})
+    return driver
+
+
+def emulate(driver, width, height, ratio=1, mobile=True):
+    """A screen of that size in CSS pixels (a phone turned when wider than tall)."""
+    driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
+        "width": width, "height": height, "deviceScaleFactor": ratio, "mobile": mobile,
+        "screenOrientation": {"type": "landscapePrimary", "angle": 90} if width > height
+        else {"type": "portraitPrimary", "angle": 0}})
+
+
+class Phone(Page):
+    """The page under a finger: taps, presses and swipes at points of the viewport."""
+
+    def touch(self, *points, hold=0.0):
+        """A finger down at the first point, moved through the others, then lifted."""
+        cdp = self.driver.execute_cdp_cmd
+        (x, y), *path = points
+        cdp("Input.dispatchTouchEvent", {"type": "touchStart", "touchPoints": [{"x": x, "y": y}]})
+        time.sleep(hold)
+        for x, y in path:
+            cdp("Input.dispatchTouchEvent", {"type": "touchMove",
+                                             "touchPoints": [{"x": x, "y": y}]})
+        cdp("Input.dispatchTouchEvent", {"type": "touchEnd", "touchPoints": []})
+
+    def rect(self, element):
+        return self.js("const r = arguments[0].getBoundingClientRect();"
+                       " return [r.left, r.top, r.width, r.height]", element)
+
+    def tap(self, element):
+        left, top, width, height = self.rect(element)
+        self.touch((left + width / 2, top + height / 2))
+
+    def tap_menu(self, title, *entries):
+        """Opens a menu and taps its entry, through submenus, all by their texts."""
+        self.tap(self.driver.find_element(
+            "xpath", f"//div[contains(@class, 'menu-title') and starts-with(., '{title}')]"))
+        for text in entries:
+            self.tap(self.entry(text))
+
+    def tap_button(self, caption, text):
+        """Taps a box's button by its text, and waits for the box to close."""
+        self.box(caption)
+        self.tap(self.driver.find_element(
+            "xpath", f"//div[div/span='{caption}']//button[.='{text}']"))
+        wait(f"the box '{caption}' to close", lambda: caption not in self.boxes())
+
+    def screen(self):
+        """The viewport's size, how far the page is scrolled or zoomed, and its widest extent."""
+        return self.js("""const d = document.documentElement, v = visualViewport;
+            return {size: [innerWidth, innerHeight], scroll: [scrollX, scrollY, v.offsetLeft,
+                    v.offsetTop], scale: v.scale, width: d.scrollWidth};""")
