@@ -14,6 +14,8 @@ is not skipped there):
 
     @pytest.mark.engines("chromium", reason="mobile emulation is Chromium's DevTools")
 
+(as a module's `pytestmark` it marks all its tests, which a test's own mark overrides); a test
+whose browser is its own (no `page`) is then deselected when that engine is not chosen.
 `page.engine` tells a test which engine it has. A test that starts a browser of its own (a
 device emulated, a second browser) takes `engine`, `display` (the X display WebKitGTK needs)
 and `server` as fixtures and calls webpage.launch. The run fails, and never skips, when a
@@ -58,8 +60,15 @@ def pytest_generate_tests(metafunc):
 
 
 def pytest_collection_modifyitems(config, items):
-    unrun = [i for i in items if getattr(i, "callspec", None) and "engine" in i.callspec.params
-             and i.callspec.params["engine"] is None]
+    """Deselects what no chosen engine runs: a test for one engine, its own browser included."""
+    chosen = set(config.getoption("engine") or ENGINES)
+
+    def not_run(item):
+        if getattr(item, "callspec", None) and "engine" in item.callspec.params:
+            return item.callspec.params["engine"] is None
+        marker = item.get_closest_marker("engines")
+        return marker is not None and not chosen & set(marker.args)
+    unrun = [i for i in items if not_run(i)]
     if unrun:
         config.hook.pytest_deselected(items=unrun)
         items[:] = [i for i in items if i not in unrun]
