@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Fails when tools/setup's package lists stop matching the scripts that ask for them: a list
 name that a script uses and tools/setup does not know, a list of everything that misses a
-package, or the play list growing the test toolchain back (what players download first)."""
+package, or the play lists (tools/play, tools/play --web) growing the test tools back (what
+players download first)."""
 import re
 import subprocess
 import sys
@@ -32,6 +33,10 @@ for script in sorted((repo / "tools").iterdir()):
 if not {"play", "all"} <= asked:
     faults.append(f"no script asks for the play list and for all of them (found {sorted(asked)})")
 
+# The browser suite: both engines with their drivers, the display WebKitGTK draws on, and the
+# Python that drives them and reads the canvas.
+BROWSER_TESTS = {"chromium", "chromium-driver", "webkit2gtk-driver", "xvfb", "python3-selenium",
+                 "python3-pytest", "python3-pytest-timeout", "python3-pil"}
 # (names, packages that must be there, packages that must not): what each purpose runs.
 CASES = [
     (["play"], {"cmake", "ninja-build", "binutils-mingw-w64-x86-64", "wine", "wine64"},
@@ -42,7 +47,9 @@ CASES = [
      {"wine", "g++-mingw-w64-x86-64-win32"}),
     (["test"], {"clang", "libgtest-dev", "debootstrap", "python3-pefile", "xdotool"},
      {"chromium"}),
-    (["web"], {"emscripten", "chromium", "chromium-driver"}, {"wine"}),
+    (["web"], {"cmake", "ninja-build", "python3", "emscripten", "nodejs"},
+     BROWSER_TESTS | {"wine", "g++", "clang"}),
+    (["webtest"], BROWSER_TESTS | {"emscripten", "cmake"}, {"wine", "clang", "debootstrap"}),
 ]
 for names, wanted, unwanted in CASES:
     status, packages = setup(*names)
@@ -56,10 +63,13 @@ for names, wanted, unwanted in CASES:
         faults.append(f"{names} holds {sorted(extra)}, which belong to another purpose")
 
 # tools/test runs tools/package and the game under Xvfb, and installs all: so test must hold play,
-# virtual and package, and all (also what no name means) every list.
-lists = {name: set(setup(name)[1]) for name in ("play", "virtual", "package", "test", "web")}
+# virtual and package, webtest the web build it tests, and all (also what no name means) every list.
+NAMES = ("play", "virtual", "package", "test", "web", "webtest")
+lists = {name: set(setup(name)[1]) for name in NAMES}
 if gap := (lists["play"] | lists["virtual"] | lists["package"]) - lists["test"]:
     faults.append(f"the test list lacks {sorted(gap)}")
+if gap := lists["web"] - lists["webtest"]:
+    faults.append(f"the webtest list lacks {sorted(gap)}")
 for names in (["all"], []):
     if gap := set().union(*lists.values()) - set(setup(*names)[1]):
         faults.append(f"tools/setup --print {' '.join(names)} lacks {sorted(gap)}")

@@ -10,7 +10,9 @@ from collections import Counter
 import pytest
 from desktop import BLACK, GRID_BLUE, cells, fit, mark
 from PIL import Image
-from webpage import Phone, emulate, launch, launch_phone, wait
+from webpage import ENGINES, Phone, emulate, launch, launch_phone, wait
+
+pytestmark = pytest.mark.engines("chromium", reason="a phone is Chromium's mobile emulation")
 
 CELLS, LOGICAL = 7, (293, 273)  # a first start's board and its logical size
 BACKGROUND_BLUE = (0, 0, 187)  # the lower half of the background picture
@@ -300,6 +302,7 @@ def test_box_taller_than_the_screen_scrolls_within_it(phone):
     assert phone.box(HOME)["1030"][1] is True
 
 
+@pytest.mark.engines(*ENGINES, reason="a mouse on a desktop screen")
 def test_window_larger_than_a_desktop_screen(page):
     """With a mouse, the window at its own size while it fits; "4x" makes it larger than the
     screen, and it is then maximised with its frame fitted; "1x" brings it back to its size."""

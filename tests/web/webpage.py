@@ -1,10 +1,16 @@
-"""A local server for the built site, and a Page in headless Chromium that types, clicks,
-touches, opens menus and reads the window, its boxes and the canvas (logical pixels at 1x)."""
+"""A local server for the built site, and a Page in headless Chromium or in WebKitGTK (the engine
+of Safari, under Xvfb) that types, clicks, touches, opens menus and reads the window, its boxes
+and the canvas (logical pixels at 1x). Every helper works alike in both engines: W3C actions,
+scripts, and what the server adds to the page for the tests."""
 
 import base64
 import functools
+import glob
 import http.server
 import io
+import os
+import select
+import subprocess
 import threading
 import time
 
@@ -13,13 +19,41 @@ from PIL import Image
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.action_chains import ActionChains
+from selenium.webdriver.common.actions import interaction
 from selenium.webdriver.common.actions.action_builder import ActionBuilder
+from selenium.webdriver.common.actions.pointer_input import PointerInput
 from selenium.webdriver.common.keys import Keys
 
-# Installed before the page's own scripts, in every document the browser opens.
-CATCH_ERRORS = """window.__errors = [];
-addEventListener('error', e => __errors.push('error: ' + e.message));
-addEventListener('unhandledrejection', e => __errors.push('rejection: ' + e.reason));"""
+ENGINES = ("chromium", "webkit")
+WINDOW = (1200, 900)
+# Debian's webkit2gtk-driver drives this browser; its folder names the API version.
+MINIBROWSER = next(iter(sorted(glob.glob("/usr/lib/*/webkit2gtk-4.*/MiniBrowser"))), None)
+
+# Put by the server at the head of every HTML document it sends, so that it runs before the
+# page's own scripts in any engine: errors and rejections, console.error, and the bytes of each
+# download the page offers (a link with a download name), kept by that name.
+TEST_HOOKS = """<script>(function () {
+  const errors = window.__errors = [], downloads = window.__downloads = {};
+  addEventListener('error', e => errors.push('error: ' + (e.message || 'a resource failed: ' +
+      (e.target && (e.target.src || e.target.href)))), true);
+  addEventListener('unhandledrejection', e => errors.push('rejection: ' + e.reason));
+  const report = console.error;
+  console.error = function (...args) {
+    errors.push('console: ' + args.join(' '));
+    report(...args);
+  };
+  const click = HTMLAnchorElement.prototype.click;
+  HTMLAnchorElement.prototype.click = function () {
+    if (this.download) {
+      downloads[this.download] = fetch(this.href).then(r => r.arrayBuffer()).then(b => {
+        let text = '';
+        for (const byte of new Uint8Array(b)) text += String.fromCharCode(byte);
+        return btoa(text);
+      });
+    }
+    return click.call(this);
+  };
+})();</script>"""
 
 # The box of a caption: each control's text (an edit's or a list's value) and check mark.
 BOX = """const box = [...document.querySelectorAll('.box')].find(
@@ -30,40 +64,121 @@ box.querySelectorAll('[data-control]').forEach(c => out[c.dataset.control] = [
     c.value ?? c.textContent, c.querySelector('input')?.checked ?? null]);
 return out;"""
 
+DOWNLOADED = """const [name, done] = arguments;  // [base64] once offered, else null
+const offered = window.__downloads?.[name];
+if (!offered) done(null); else offered.then(b => done([b]), e => done(['failed: ' + e]));"""
+
 
 class Handler(http.server.SimpleHTTPRequestHandler):
     extensions_map = {**http.server.SimpleHTTPRequestHandler.extensions_map,
                       ".wasm": "application/wasm", ".js": "text/javascript"}
+
+    def send_head(self):
+        path = self.translate_path(self.path)
+        if os.path.isdir(path):
+            path = os.path.join(path, "index.html")
+        if not path.endswith(".html") or not os.path.isfile(path):
+            return super().send_head()
+        with open(path, "rb") as html:
+            body = html.read().replace(b"<head>", b"<head>" + TEST_HOOKS.encode(), 1)
+        self.send_response(200)
+        self.send_header("Content-Type", "text/html; charset=utf-8")
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        return io.BytesIO(body)
+
+    def log_request(self, code="-", size="-"):
+        if isinstance(code, int) and code >= 400:  # whatever the page asks for must be there
+            self.server.failed.append(f"{code} {self.command} {self.path}")
 
     def log_message(self, *_):
         pass
 
 
 def serve(site):
-    """Serves the site on 127.0.0.1 at a free port from a thread; returns (url, server)."""
+    """Serves the site on 127.0.0.1 at a free port from a thread; returns (url, server). The
+    server's `failed` lists the requests it could not answer."""
     handler = functools.partial(Handler, directory=str(site))
     server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
+    server.failed = []
     threading.Thread(target=server.serve_forever, daemon=True).start()
     return f"http://127.0.0.1:{server.server_address[1]}/index.html", server
 
 
-def launch(profile, downloads) -> webdriver.Chrome:
+def start_display(log):
+    """Starts Xvfb on a free display; returns (process, ":N"). Raises when it cannot start."""
+    read_end, write_end = os.pipe()
+    with open(log, "wb") as out:
+        xvfb = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1280x1024x24",
+             "-nolisten", "tcp", "-noreset"], pass_fds=(write_end,), stdout=out, stderr=out,
+            stdin=subprocess.DEVNULL)
+    os.close(write_end)
+    number = b""  # written in pieces; the end of the pipe ends it too
+    while not number.endswith(b"\n") and select.select([read_end], [], [], 20)[0]:
+        number += os.read(read_end, 16) or b"\n"
+    os.close(read_end)
+    if not number.strip().isdigit():
+        xvfb.kill()
+        raise RuntimeError(f"Xvfb did not start: {open(log).read()[-800:]}")
+    return xvfb, f":{number.decode().strip()}"
+
+
+def launch(profile, downloads, engine="chromium", display=None) -> webdriver.Remote:
+    """A fresh browser of that engine: its own profile folder, downloads into `downloads`.
+    WebKitGTK needs an X display (see start_display); a phone is launch_phone's."""
+    if engine == "webkit":
+        return launch_webkit(profile, downloads, display)
     options = webdriver.ChromeOptions()
     options.binary_location = "/usr/bin/chromium"
     for argument in ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage",
-                     f"--user-data-dir={profile}", "--window-size=1200,900"):
+                     f"--user-data-dir={profile}", "--window-size=%d,%d" % WINDOW):
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
-    driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": CATCH_ERRORS})
     driver.execute_cdp_cmd("Browser.setDownloadBehavior",
                            {"behavior": "allow", "downloadPath": str(downloads)})
+    return driver
+
+
+def launch_webkit(profile, downloads, display) -> webdriver.WebKitGTK:
+    if not MINIBROWSER:
+        raise RuntimeError("no MiniBrowser in /usr/lib/*/webkit2gtk-4.*/ (tools/setup webtest)")
+    if not display:
+        raise RuntimeError("WebKitGTK needs an X display")
+    options = webdriver.WebKitGTKOptions()
+    options.binary_location = MINIBROWSER
+    options.add_argument("--automation")
+    # The browser keeps its storage, cache and settings under the home and XDG folders, and
+    # saves downloads in the user's download folder: all of them in this test's profile.
+    config = profile / "config"
+    config.mkdir(parents=True)
+    (config / "user-dirs.dirs").write_text(f'XDG_DOWNLOAD_DIR="{downloads}"\n')
+    env = {"DISPLAY": display, "GDK_BACKEND": "x11", "HOME": str(profile),
+           "XDG_CONFIG_HOME": str(config),
+           "XDG_DATA_HOME": str(profile / "data"), "XDG_CACHE_HOME": str(profile / "cache")}
+    saved = {k: os.environ.get(k) for k in env}
+    os.environ.update(env)  # the driver's service starts with this process's environment
+    try:
+        driver = webdriver.WebKitGTK(executable_path="/usr/bin/WebKitWebDriver", options=options)
+    finally:
+        for k, v in saved.items():
+            if v is None:
+                os.environ.pop(k)
+            else:
+                os.environ[k] = v
+    try:
+        driver.set_window_size(*WINDOW)
+    except Exception:
+        driver.quit()
+        raise
     return driver
 
 
 class Page:
     def __init__(self, driver, url, downloads):
         self.driver, self.url, self.downloads = driver, url, downloads
+        self.engine = "chromium" if driver.name in ("chrome", "chromium") else "webkit"
         self.errors = []  # those of the documents that a reload left behind
 
     def js(self, script, *args):
@@ -84,8 +199,15 @@ class Page:
         return self.box("Acceuil")
 
     def all_errors(self):
-        logged = [e["message"] for e in self.driver.get_log("browser") if e["level"] == "SEVERE"]
-        return self.errors + (self.js("return window.__errors") or []) + logged
+        """The errors of every document so far; in Chromium its console's too, which also
+        holds those of workers."""
+        logged = [e["message"] for e in self.driver.get_log("browser")
+                  if e["level"] == "SEVERE"] if self.engine == "chromium" else []
+        errors = []
+        if self.driver.current_url.startswith("http"):  # served by serve(), hence hooked
+            errors = self.js("return window.__errors")
+            assert isinstance(errors, list), "the page came without the tests' hooks"
+        return self.errors + errors + logged
 
     def box(self, caption):
         """Waits for the box of that caption; returns {control id: [text, checked], message}."""
@@ -128,9 +250,13 @@ class Page:
         actions.perform()
 
     def touch_board(self, x, y):
-        cdp, (px, py) = self.driver.execute_cdp_cmd, self.in_viewport(x, y)
-        cdp("Input.dispatchTouchEvent", {"type": "touchStart", "touchPoints": [{"x": px, "y": py}]})
-        cdp("Input.dispatchTouchEvent", {"type": "touchEnd", "touchPoints": []})
+        """A tap of a finger (a W3C touch pointer). WebKitGTK's driver delivers it as a mouse
+        pointer: only Chromium sends the page a pointer of type "touch"."""
+        finger = PointerInput(interaction.POINTER_TOUCH, "finger")
+        actions = ActionBuilder(self.driver, mouse=finger)
+        actions.pointer_action.move_to_location(*map(int, self.in_viewport(x, y)))
+        actions.pointer_action.pointer_down().pointer_up()
+        actions.perform()
 
     def entry(self, text):
         return self.driver.find_element("xpath", f"//div[span[@class='menu-label']='{text}']")
@@ -168,10 +294,15 @@ class Page:
         return wait(what, lambda: p if condition(p := self.picture()) else None)
 
     def download(self, name) -> bytes:
-        path = self.downloads / name
-        wait(f"the download '{name}'",
-             lambda: path.exists() and not any(self.downloads.glob("*.crdownload")))
-        return path.read_bytes()
+        """The bytes of the download the page offered under that name, as the page gave them;
+        the browser must save the same bytes under that name in the downloads folder."""
+        given, = wait(f"the download '{name}'",
+                      lambda: self.driver.execute_async_script(DOWNLOADED, name))
+        assert not given.startswith("failed"), given
+        data, path = base64.b64decode(given), self.downloads / name
+        wait(f"'{name}' saved with the page's bytes",
+             lambda: path.is_file() and path.read_bytes() == data)
+        return data
 
 
 def launch_phone(profile, downloads, width, height, ratio) -> webdriver.Chrome:
@@ -183,7 +314,6 @@ def launch_phone(profile, downloads, width, height, ratio) -> webdriver.Chrome:
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
     driver = webdriver.Chrome(service=Service("/usr/bin/chromedriver"), options=options)
-    driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": CATCH_ERRORS})
     driver.execute_cdp_cmd("Browser.setDownloadBehavior",
                            {"behavior": "allow", "downloadPath": str(downloads)})
     emulate(driver, width, height, ratio)
