@@ -29,7 +29,7 @@ request.onsuccess = () => {
 
 
 @pytest.fixture(scope="module")  # a module that imports it serves this site
-def site(tmp_path_factory):
+def server(tmp_path_factory):
     """Two copies of the site on one origin, /a/ and /b/, each with faulty.html and blank.html
     (a page of the origin that is not the game); the page fixture opens /a/index.html."""
     if not (SITE / "kalvero4.wasm").is_file():
@@ -46,10 +46,12 @@ def site(tmp_path_factory):
             '<meta charset="utf-8">', '<meta charset="utf-8">\n<script src="faults.js"></script>'),
             encoding="utf-8")
         shutil.copy(FAULTS, root / folder / "faults.js")
-        (root / folder / "blank.html").write_text('<!DOCTYPE html><title>-</title><link rel="icon" href="data:,">')
-    url, server = serve(root)
-    yield url.replace("/index.html", "/a/index.html")
-    server.shutdown()
+        (root / folder / "blank.html").write_text(
+            '<!DOCTYPE html><html><head><title>-</title><link rel="icon" href="data:,"></head></html>')
+    url, served = serve(root)
+    served.url = url.replace("/index.html", "/a/index.html")
+    yield served
+    served.shutdown()
 
 
 def go(page, name):

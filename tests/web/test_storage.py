@@ -8,7 +8,7 @@ import shutil
 import time
 
 import pytest
-from storage_helpers import (CHARACTERS, go, hide, name_shown, play_session, site, stored,  # noqa: F401 - site: this module's site
+from storage_helpers import (CHARACTERS, go, hide, name_shown, play_session, server, stored,  # noqa: F401 - server: this module's site
                              totals, wait_stored)
 from webpage import wait
 

@@ -3,9 +3,9 @@ moves with every counter and the name, back and forth."""
 
 from desktop import cells
 import pytest
-from storage_helpers import (CHARACTERS, hide, name_shown, play_session, site,  # noqa: F401 - site: this module's site
+from storage_helpers import (CHARACTERS, hide, name_shown, play_session, server,  # noqa: F401 - server: this module's site
                              wait_stored)
-from webpage import CATCH_ERRORS, wait
+from webpage import wait
 
 ENDED = """const e = document.getElementById('ended');
 return e.hidden ? null : document.getElementById('ended-text').textContent;"""
@@ -30,8 +30,6 @@ def test_second_tab_takes_the_game_over(page, fault):
     first = driver.current_window_handle
     driver.switch_to.new_window("window")  # WebKitGTK's driver hangs on a second tab's keys
     second = driver.current_window_handle
-    if hasattr(driver, "execute_cdp_cmd"):  # Chromium installs the error catcher per tab
-        driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": CATCH_ERRORS})
     driver.get(page.url)
     take_over(page)
     assert name_shown(page) == "Zoé", "the second tab started before the first had stored"
@@ -40,7 +38,7 @@ def test_second_tab_takes_the_game_over(page, fault):
     driver.switch_to.window(first)
     assert wait("the first tab's end", lambda: page.js(ENDED)) == \
         "Kalvero 4 continue dans un autre onglet."
-    page.errors += page.js("return window.__errors ?? []")  # where a catcher is installed
+    page.errors += page.js("return window.__errors")  # every served page has the hooks
     driver.refresh()  # its restart button: the game comes back here
     take_over(page)
     assert name_shown(page) == "Zoé"
@@ -51,7 +49,7 @@ def test_second_tab_takes_the_game_over(page, fault):
     driver.switch_to.window(second)
     assert wait("the second tab's end", lambda: page.js(ENDED)) == \
         "Kalvero 4 continue dans un autre onglet."
-    page.errors += page.js("return window.__errors ?? []")  # where a catcher is installed
+    page.errors += page.js("return window.__errors")  # every served page has the hooks
     driver.switch_to.window(first)
 
 
