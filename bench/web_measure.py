@@ -3,6 +3,8 @@
 
     bench/web_measure.py size                 # the site's transfer size after gzip -9
     bench/web_measure.py start [--runs 10]    # navigation to first frame, cold, headless Chromium
+    bench/web_measure.py start --mobile       # the same under a phone's processor and network
+    bench/web_measure.py offline [--runs 10]  # the second start, offline, from the worker's store
     bench/web_measure.py reply [--repeat 3]   # a 19 x 19 Dur + Challenge reply, page vs native
     bench/web_measure.py repaint [--count 300] [--breakdown]  # a full 19 x 19 board's repaint
 
@@ -80,6 +82,26 @@ class Server:
     def close(self):
         self.httpd.shutdown()
         self.httpd.server_close()
+
+
+# ----- A phone's processor and network -------------------------------------------------------
+
+# Lighthouse's mobile conditions: the processor 4 times slower, a 150 ms round trip, 1.6 Mbit/s
+# down and 750 kbit/s up (DevTools takes bytes per second).
+MOBILE_CPU = 4
+MOBILE_NETWORK = {"offline": False, "latency": 150,
+                  "downloadThroughput": 1.6e6 / 8, "uploadThroughput": 750e3 / 8}
+
+
+def throttle(driver, offline=False):
+    """The mobile conditions on the browser's tab, through the DevTools protocol. They hold for
+    the tab's next navigations; the service worker runs in a thread of its own, which the
+    processor's slowing does not reach."""
+    driver.execute_cdp_cmd("Network.enable", {})
+    driver.execute_cdp_cmd("Network.setCacheDisabled", {"cacheDisabled": False})
+    driver.execute_cdp_cmd("Network.emulateNetworkConditions",
+                           dict(MOBILE_NETWORK, offline=offline))
+    driver.execute_cdp_cmd("Emulation.setCPUThrottlingRate", {"rate": MOBILE_CPU})
 
 
 # ----- The browser --------------------------------------------------------------------------
@@ -164,13 +186,15 @@ return { frame: mark.startTime, domContentLoaded: nav.domContentLoadedEventEnd,
 
 
 def measure_start(args):
-    print(versions())
+    print(versions() + (f"; CPU {MOBILE_CPU}x slower, {MOBILE_NETWORK}" if args.mobile else ""))
     server = Server(SITE, isolated=False)
     results = []
     try:
         for run in range(args.runs):
             browser = Browser()
             try:
+                if args.mobile:
+                    throttle(browser.driver)
                 browser.driver.get(server.url + "index.html")
                 results.append(browser.wait_for(FIRST_FRAME, timeout=60))
             finally:
@@ -405,6 +429,7 @@ def main():
     p.set_defaults(run=measure_size)
     p = sub.add_parser("start")
     p.add_argument("--runs", type=int, default=10, help="cold starts")
+    p.add_argument("--mobile", action="store_true", help="under a phone's processor and network")
     p.set_defaults(run=measure_start)
     p = sub.add_parser("reply")
     p.add_argument("--repeat", type=int, default=3, help="rounds, native then web")

@@ -13,12 +13,10 @@
   var kRasterAnd = 1;
   var kRasterOr = 2;
 
-  // Bitmaps by resource number, as the Windows program's resource script names them.
-  var kPictureFiles = { 148: 'bg148', 154: 'mask154' };
+  // The pieces' mask and sprites by resource number, as the Windows program's resource script
+  // names them.
   var kPieceMask = 154;
   var kPieceSprites = [152, 153, 155, 156, 157, 158, 159, 160, 161];
-  kPieceSprites.forEach(function (n) { kPictureFiles[n] = 'disc' + n; });
-  for (var p = 0; p < 14; ++p) kPictureFiles[30000 + p] = 'portrait' + (30000 + p);
 
   // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
   // descent, which is a 15-pixel em in the faces below; the text's top is its ascent above the
@@ -166,15 +164,24 @@
     if (!state.framesShown++) performance.mark('kalvero4-first-frame');
   }
 
+  // The bitmaps come in one file (tools/make_site_pictures.py puts them side by side and
+  // writes Page.pictureAtlas, their places in it): one request instead of one per picture.
+  // Each is then cut out as a picture of its own, pixel for pixel.
   function loadPictures() {
-    return Promise.all(Object.keys(kPictureFiles).map(function (id) {
-      return new Promise(function (resolve) {
-        var image = new Image();
-        image.onload = function () { state.pictures[id] = image; resolve(); };
-        image.onerror = function () { resolve(); };  // drawn as nothing, as a missing resource
-        image.src = 'pictures/' + kPictureFiles[id] + '.bmp';
-      });
-    }));
+    var atlas = Page.pictureAtlas;
+    return new Promise(function (resolve) {
+      var image = new Image();
+      image.onload = function () { resolve(image); };
+      image.onerror = function () { resolve(null); };  // drawn as nothing, as a missing resource
+      image.src = atlas.file;
+    }).then(function (image) {
+      if (!image) return;
+      return Promise.all(Object.keys(atlas.pictures).map(function (id) {
+        var place = atlas.pictures[id];
+        return createImageBitmap(image, place[0], place[1], place[2], place[3]).then(
+            function (picture) { state.pictures[id] = picture; });
+      }));
+    });
   }
 
   Object.assign(Page, {
