@@ -180,14 +180,17 @@ if (!mark) return null;
 var nav = performance.getEntriesByType('navigation')[0];
 var wasm = performance.getEntriesByType('resource').filter(function (e) {
   return /\\.wasm$/.test(e.name); })[0];
+var files = {};
+[nav].concat(performance.getEntriesByType('resource')).forEach(function (e) {
+  files[e.name.replace(/^.*\\//, '') || 'page'] = [e.startTime, e.responseStart, e.responseEnd]; });
 return { frame: mark.startTime, domContentLoaded: nav.domContentLoadedEventEnd,
-         load: nav.loadEventEnd, wasmEnd: wasm ? wasm.responseEnd : -1 };
+         load: nav.loadEventEnd, wasmEnd: wasm ? wasm.responseEnd : -1, files: files };
 """
 
 
 def measure_start(args):
     print(versions() + (f"; CPU {MOBILE_CPU}x slower, {MOBILE_NETWORK}" if args.mobile else ""))
-    server = Server(SITE, isolated=False)
+    server = Server(args.site, isolated=False)
     results = []
     try:
         for run in range(args.runs):
@@ -203,6 +206,10 @@ def measure_start(args):
             print(f"start {run + 1}: first frame {r['frame']:.1f} ms (DOMContentLoaded "
                   f"{r['domContentLoaded']:.1f}, wasm received {r['wasmEnd']:.1f}, "
                   f"load {r['load']:.1f}); {load()}")
+            if args.files:
+                for name, (begin, first, end) in sorted(r["files"].items(), key=lambda f: f[1]):
+                    print(f"    {name:24s} asked {begin:7.1f}, first byte {first:7.1f}, "
+                          f"received {end:7.1f} ms")
     finally:
         server.close()
     frames = [r["frame"] for r in results]
@@ -430,6 +437,8 @@ def main():
     p = sub.add_parser("start")
     p.add_argument("--runs", type=int, default=10, help="cold starts")
     p.add_argument("--mobile", action="store_true", help="under a phone's processor and network")
+    p.add_argument("--files", action="store_true", help="when each file was asked and received")
+    p.add_argument("--site", type=Path, default=SITE, help="another built site")
     p.set_defaults(run=measure_start)
     p = sub.add_parser("reply")
     p.add_argument("--repeat", type=int, default=3, help="rounds, native then web")

@@ -11,6 +11,7 @@
 //   dialogs.js   the dialogs from their templates; their controls and commands
 //   storage.js   the save file in the browser's storage; export and import
 //   offline.js   the service worker registered, for the installed app offline; storage kept
+//   download.js  the WebAssembly fetched compressed and compiled as it arrives
 //   start.js     the start and the end of the program
 //
 // library.js (--js-library) holds the functions the C++ glue calls; each is one step into a

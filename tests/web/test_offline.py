@@ -229,19 +229,32 @@ def check_maskable(picture):
     assert icon_pixels > (0.25 * side / 2) ** 2, "the icon fills the middle"
 
 
-@pytest.mark.parametrize("bitmap", sorted(p.name for p in PICTURES.glob("*.bmp")))
-def test_atlas_holds_each_bitmap_as_it_is(bitmap):
-    """The one PNG the page loads holds every bitmap of the program where its map says."""
-    atlas = re.search(r'pictureAtlas\s*=\s*\{\s*file:\s*"([^"]+)",\s*pictures:\s*(\{[^}]*\})',
-                      (SITE / "kalvero4.js").read_text())
-    # The keys as the build leaves them: quoted or not, 30000 as 3e4.
-    where = {int(float(n)): [int(v) for v in place] for n, *place in re.findall(
-        r'"?([\d.e]+)"?:\s*\[(\d+),\s*(\d+),\s*(\d+),\s*(\d+)\]', atlas.group(2))}
-    x, y, w, h = where[int(re.sub(r"\D", "", bitmap))]
-    original = Image.open(PICTURES / bitmap).convert("RGB")
-    assert original.size == (w, h)
-    picture = Image.open(SITE / atlas.group(1)).convert("RGB").crop((x, y, x + w, y + h))
-    assert picture.tobytes() == original.tobytes()
+# Each picture the page loaded, as the page draws it: its pixels, read back from a canvas.
+PICTURES_LOADED = """const out = {};
+for (const [id, picture] of Object.entries(Page.state.pictures)) {
+  const canvas = document.createElement('canvas');
+  canvas.width = picture.width;
+  canvas.height = picture.height;
+  const g = canvas.getContext('2d');
+  g.drawImage(picture, 0, 0);
+  out[id] = [picture.width, picture.height,
+             Array.from(g.getImageData(0, 0, picture.width, picture.height).data)];
+}
+return [Page.pictureAtlas.file, out];"""
+
+
+def test_pictures_come_from_one_file_as_they_are(page):
+    """The page loads one PNG and cuts every bitmap of the program out of it, pixel for pixel."""
+    page.open()
+    atlas, loaded = page.js(PICTURES_LOADED)
+    assert (SITE / atlas).is_file() and atlas.endswith(".png")
+    bitmaps = {int(re.sub(r"\D", "", p.stem)): p for p in PICTURES.glob("*.bmp")}
+    assert sorted(map(int, loaded)) == sorted(bitmaps)
+    for number, path in bitmaps.items():
+        width, height, pixels = loaded[str(number)]
+        original = Image.open(path).convert("RGBA")
+        assert (width, height) == original.size, path.name
+        assert bytes(pixels) == original.tobytes(), path.name
 
 
 ASKED = "() => { window.__asked = true; return %s; }"
