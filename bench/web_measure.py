@@ -217,6 +217,50 @@ def measure_start(args):
           f"ms, min {min(frames):.1f}, max {max(frames):.1f}; {load()}")
 
 
+# ----- Second start, offline ----------------------------------------------------------------
+
+# Once the service worker has kept the site and answers for the page.
+KEPT = """var done = arguments[arguments.length - 1];
+navigator.serviceWorker.ready.then(async function () {
+  while (!navigator.serviceWorker.controller) await new Promise(function (r) { setTimeout(r, 20); });
+  done((await caches.keys()).length);
+});"""
+
+
+def measure_offline(args):
+    """Each run in a new browser: a first visit under the mobile conditions, until the worker
+    has kept the site; then the server stops, the tab goes offline too, and the page opens
+    again: the second start, all from the worker's store."""
+    print(versions() + f"; CPU {MOBILE_CPU}x slower, {MOBILE_NETWORK}")
+    results = []
+    for run in range(args.runs):
+        server = Server(args.site, isolated=False)
+        browser = Browser()
+        try:
+            throttle(browser.driver)
+            browser.driver.get(server.url + "index.html")
+            first = browser.wait_for(FIRST_FRAME, timeout=60)
+            browser.driver.set_script_timeout(60)
+            if not browser.driver.execute_async_script(KEPT):
+                raise SystemExit("the service worker kept nothing")
+            server.close()
+            throttle(browser.driver, offline=True)
+            browser.driver.get(server.url + "index.html")
+            second = browser.wait_for(FIRST_FRAME, timeout=60)
+        finally:
+            browser.close()
+        results.append(second)
+        print(f"run {run + 1}: first visit {first['frame']:.1f} ms, second start offline "
+              f"{second['frame']:.1f} ms (DOMContentLoaded {second['domContentLoaded']:.1f}); "
+              f"{load()}")
+        if args.files:
+            for name, (begin, _, end) in sorted(second["files"].items(), key=lambda f: f[1]):
+                print(f"    {name:24s} asked {begin:7.1f}, received {end:7.1f} ms")
+    frames = [r["frame"] for r in results]
+    print(f"second start offline over {len(frames)} runs: median {statistics.median(frames):.1f} "
+          f"ms, min {min(frames):.1f}, max {max(frames):.1f}; {load()}")
+
+
 # ----- Reply --------------------------------------------------------------------------------
 
 LINE = re.compile(r"^(strategy (\d+)|all): .*median ([\d.]+) ms, max ([\d.]+) ms, sum ([\d.]+) ms",
@@ -440,6 +484,11 @@ def main():
     p.add_argument("--files", action="store_true", help="when each file was asked and received")
     p.add_argument("--site", type=Path, default=SITE, help="another built site")
     p.set_defaults(run=measure_start)
+    p = sub.add_parser("offline")
+    p.add_argument("--runs", type=int, default=10, help="first visits, each then started offline")
+    p.add_argument("--files", action="store_true", help="when each file was asked and received")
+    p.add_argument("--site", type=Path, default=SITE, help="another built site")
+    p.set_defaults(run=measure_offline)
     p = sub.add_parser("reply")
     p.add_argument("--repeat", type=int, default=3, help="rounds, native then web")
     p.add_argument("--runs", type=int, default=5, help="runs per reply, the best counts")

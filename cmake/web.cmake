@@ -65,12 +65,17 @@ target_link_options(kalvero4 PRIVATE
 set_property(TARGET kalvero4 APPEND PROPERTY LINK_DEPENDS
              ${KALVERO_PAGE}/library.js ${KALVERO_PAGE_SCRIPTS})
 add_dependencies(kalvero4 picture-map)
-# The program smaller for the network: the JavaScript through Terser, the WebAssembly also
-# compressed (tools/finish_program.py).
+# The program smaller for the network (tools/finish_program.py): the JavaScript through Terser
+# into kalvero4-program.js, both it and the WebAssembly also compressed, and kalvero4.js the
+# loader that fetches the compressed program (web/loader.js).
 add_custom_command(TARGET kalvero4 POST_BUILD
                    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/finish_program.py
                            ${KALVERO_SITE}/kalvero4.js ${KALVERO_SITE}/kalvero4.wasm
-                   BYPRODUCTS ${KALVERO_SITE}/kalvero4.wasm.gz)
+                           ${KALVERO_PAGE}/loader.js
+                   BYPRODUCTS ${KALVERO_SITE}/kalvero4-program.js ${KALVERO_SITE}/kalvero4-program.js.gz
+                              ${KALVERO_SITE}/kalvero4.wasm.gz)
+set_property(TARGET kalvero4 APPEND PROPERTY LINK_DEPENDS ${KALVERO_PAGE}/loader.js
+             ${PROJECT_SOURCE_DIR}/tools/finish_program.py)
 
 # The page, its app manifest and the pictures it draws, beside the program: the bitmaps in one
 # PNG (above), the icons as they are (browsers read them), and the installed app's icons
@@ -78,7 +83,8 @@ add_custom_command(TARGET kalvero4 POST_BUILD
 # service worker.
 file(GLOB KALVERO_ICONS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/resources/pictures/*.ico)
 set(KALVERO_SITE_FILES ${KALVERO_SITE}/pictures/bitmaps.png)
-set(KALVERO_SITE_NAMES kalvero4.js kalvero4.wasm kalvero4.wasm.gz pictures/bitmaps.png)
+set(KALVERO_SITE_NAMES kalvero4.js kalvero4-program.js kalvero4-program.js.gz kalvero4.wasm
+    kalvero4.wasm.gz pictures/bitmaps.png)
 foreach(file index.html kalvero4.css manifest.json)
   add_custom_command(OUTPUT ${KALVERO_SITE}/${file}
                      COMMAND ${CMAKE_COMMAND} -E copy ${KALVERO_PAGE}/${file} ${KALVERO_SITE}/${file}

@@ -2,20 +2,23 @@
 """Makes the linked web program smaller for the network (cmake/web.cmake runs it after the
 link, on the site's files):
 
-    finish_program.py PROGRAM.js PROGRAM.wasm
+    finish_program.py SITE/kalvero4.js SITE/kalvero4.wasm LOADER.js
 
-- PROGRAM.js, the runtime and the page's rooms joined, is compressed and its local names
-  shortened by Terser (Debian's node-terser, run with Node), in place: Emscripten 3.1.6 only
-  takes the blanks out;
-- PROGRAM.wasm.gz is PROGRAM.wasm compressed (gzip -9, no name or time), which the page
-  inflates itself where the browser can (web/download.js): a static server that does not
-  compress would otherwise send the program at its full size.
+- kalvero4.js, Emscripten's runtime with the page's rooms, goes through Terser (Debian's
+  node-terser, run with Node), which compresses it and shortens its local names (Emscripten
+  3.1.6 only takes the blanks out), to kalvero4-program.js, and compressed (gzip -9, no name or
+  time) to kalvero4-program.js.gz;
+- kalvero4.wasm is compressed to kalvero4.wasm.gz;
+- LOADER.js (web/loader.js) becomes kalvero4.js: it loads the program, inflating the .gz where
+  the browser can, as web/download.js does the WebAssembly. A static server that does not
+  compress would otherwise send both at their full size.
 
 Both are the same on every run for the same input.
 """
 
 import gzip
 import os
+import shutil
 import subprocess
 import sys
 from pathlib import Path
@@ -25,22 +28,28 @@ from pathlib import Path
 MINIFY = """
 const { minify } = require('terser');
 const fs = require('fs');
-const path = process.argv[1];
-minify(fs.readFileSync(path, 'utf8'), { compress: { passes: 2 }, mangle: true, toplevel: false })
-  .then(result => fs.writeFileSync(path, result.code))
+const [from, to] = process.argv.slice(1);
+minify(fs.readFileSync(from, 'utf8'), { compress: { passes: 2 }, mangle: true, toplevel: false })
+  .then(result => fs.writeFileSync(to, result.code))
   .catch(error => { console.error(error); process.exit(1); });
 """
 
 
-def main(argv):
-    if len(argv) != 2:
-        raise SystemExit(__doc__)
-    script, program = Path(argv[0]), Path(argv[1])
-    environment = dict(os.environ, NODE_PATH="/usr/share/nodejs")
-    subprocess.run(["node", "-e", MINIFY, str(script)], check=True, env=environment)
-    packed = gzip.compress(program.read_bytes(), compresslevel=9, mtime=0)
-    Path(str(program) + ".gz").write_bytes(packed)
+def packed(path: Path):
+    Path(f"{path}.gz").write_bytes(gzip.compress(path.read_bytes(), compresslevel=9, mtime=0))
 
+
+def main(argv):
+    if len(argv) != 3:
+        raise SystemExit(__doc__)
+    script, program, loader = map(Path, argv)
+    minified = script.with_name(script.stem + "-program.js")
+    environment = dict(os.environ, NODE_PATH="/usr/share/nodejs")
+    subprocess.run(["node", "-e", MINIFY, str(script), str(minified)], check=True,
+                   env=environment)
+    packed(minified)
+    packed(program)
+    shutil.copyfile(loader, script)
 
 if __name__ == "__main__":
     main(sys.argv[1:])

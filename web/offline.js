@@ -23,7 +23,8 @@
     try {
       observer.observe({ entryTypes: ['mark'] });
     } catch (e) {
-      window.addEventListener('load', then);
+      if (document.readyState === 'complete') then();
+      else window.addEventListener('load', then);
     }
   }
 

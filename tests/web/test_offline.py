@@ -1,11 +1,14 @@
 """The web edition as an installed app: its manifest and icons, the one picture file the page
 draws from, and the service worker that keeps the site for playing without the network."""
 
+import functools
+import http.server
 import importlib.util
 import io
 import json
 import re
 import shutil
+import threading
 from collections import Counter
 from pathlib import Path
 
@@ -13,7 +16,7 @@ import pytest
 from conftest import SITE
 from desktop import cells
 from PIL import Image
-from webpage import serve, wait
+from webpage import Handler, serve, wait
 
 ROOT = Path(__file__).resolve().parents[2]
 PICTURES = ROOT / "src" / "resources" / "pictures"
@@ -273,3 +276,56 @@ def test_storage_refused_changes_nothing(page, persist, asked):
     pieces = play_move_and_reply(page)
     assert sorted(pieces.values()) == ["green", "red"]
     assert page.js("return window.__asked") == asked
+
+
+class GzipEncodingHandler(Handler):
+    """A server that sends .gz files as gzip-encoded, which the browser inflates itself."""
+
+    def end_headers(self):
+        if self.path.endswith(".gz"):
+            self.send_header("Content-Encoding", "gzip")
+        super().end_headers()
+
+
+FETCHED = """return performance.getEntriesByType('resource').map(e => e.name.replace(/^.*\\//, ''))
+    .filter(n => /\\.(js|wasm)(\\.gz)?$/.test(n))"""
+
+
+PLAIN = {"kalvero4-program.js", "kalvero4.wasm"}
+
+
+@pytest.mark.parametrize("case, plain", [
+    ("inflated by the page", False),
+    ("no DecompressionStream", True),
+    ("gzip Content-Encoding", False),
+    ("no .gz files", True),
+])
+def test_program_arrives_however_the_server_sends_it(page, tmp_path, case, plain):
+    """The program and its WebAssembly come compressed where the browser inflates them, and as
+    they are otherwise; a move and its reply play in every case."""
+    site = site_copy(tmp_path, "s")
+    handler = Handler
+    if case == "no DecompressionStream":
+        page.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument",
+                                    {"source": "delete window.DecompressionStream;"})
+    elif case == "gzip Content-Encoding":
+        handler = GzipEncodingHandler
+    elif case == "no .gz files":
+        for packed in site.glob("*.gz"):
+            packed.unlink()
+    server = http.server.ThreadingHTTPServer(
+        ("127.0.0.1", 0), functools.partial(handler, directory=str(tmp_path / "www")))
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    page.url = f"http://127.0.0.1:{server.server_address[1]}/s/index.html"
+    try:
+        pieces = play_move_and_reply(page)
+        assert sorted(pieces.values()) == ["green", "red"]
+        loaded = set(page.js(FETCHED))
+    finally:
+        server.shutdown()
+        server.server_close()
+    assert {"kalvero4.js", "kalvero4-program.js.gz", "kalvero4.wasm.gz"} <= loaded
+    assert (PLAIN <= loaded) == plain and (PLAIN & loaded == set()) == (not plain)
+    if case == "no .gz files":  # the two files asked for and missing, and nothing else
+        missing = [e["message"] for e in page.driver.get_log("browser") if e["level"] == "SEVERE"]
+        assert len(missing) == 2 and all(".gz" in m and "404" in m for m in missing), missing
