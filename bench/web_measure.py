@@ -179,7 +179,7 @@ var mark = performance.getEntriesByName('kalvero4-first-frame')[0];
 if (!mark) return null;
 var nav = performance.getEntriesByType('navigation')[0];
 var wasm = performance.getEntriesByType('resource').filter(function (e) {
-  return /\\.wasm$/.test(e.name); })[0];
+  return /\\.wasm(\\.gz)?$/.test(e.name); })[0];
 var files = {};
 [nav].concat(performance.getEntriesByType('resource')).forEach(function (e) {
   files[e.name.replace(/^.*\\//, '') || 'page'] = [e.startTime, e.responseStart, e.responseEnd]; });
@@ -302,6 +302,9 @@ def measure_reply(args):
     print(versions())
     server = Server(WEB_BENCH, isolated=True)
     browser = Browser()
+    if args.mobile:
+        browser.driver.execute_cdp_cmd("Emulation.setCPUThrottlingRate", {"rate": MOBILE_CPU})
+        print(f"the page's processor {MOBILE_CPU}x slower")
     native_all, web_all = [], []
     try:
         for round_ in range(args.repeat):
@@ -492,6 +495,7 @@ def main():
     p = sub.add_parser("reply")
     p.add_argument("--repeat", type=int, default=3, help="rounds, native then web")
     p.add_argument("--runs", type=int, default=5, help="runs per reply, the best counts")
+    p.add_argument("--mobile", action="store_true", help="the page's processor 4x slower")
     p.set_defaults(run=measure_reply)
     p = sub.add_parser("repaint")
     p.add_argument("--count", type=int, default=300, help="repaints per round")

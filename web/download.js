@@ -4,12 +4,14 @@
 // the size, for the many static servers that send files as they are. Where the browser can
 // inflate a stream, the page fetches that file (index.html asks for it early) and compiles
 // the inflated stream as it comes; it needs no particular type from the server. Elsewhere, or
-// if that fails, the program's runtime fetches kalvero4.wasm as before.
+// if that fails, the program's runtime fetches kalvero4.wasm as before; and so it does from
+// the service worker's store (web/loader.js tells why).
 (function (Page) {
   'use strict';
 
   if (typeof DecompressionStream !== 'function' || typeof ReadableStream !== 'function' ||
-      typeof WebAssembly.instantiateStreaming !== 'function') return;
+      typeof WebAssembly.instantiateStreaming !== 'function' ||
+      (navigator.serviceWorker && navigator.serviceWorker.controller)) return;
 
   // The body inflated, unless a server already did (one that sends .gz files with a
   // Content-Encoding of gzip, which the browser undoes): gzip's first two bytes tell.

@@ -2,7 +2,9 @@
 // with the page's rooms) compressed where the browser can inflate it. The build writes
 // kalvero4-program.js.gz beside it (tools/finish_program.py), a third of its size, for the many
 // static servers that send files as they are; index.html asks for it early. Elsewhere, or if
-// that fails, the program comes as it is.
+// that fails, the program comes as it is, and so it does from the service worker's store,
+// where its size costs nothing and the browser keeps the program compiled from one start to
+// the next only for a file it loads itself.
 (function () {
   'use strict';
 
@@ -17,7 +19,8 @@
     run('kalvero4-program.js');
   }
 
-  if (typeof DecompressionStream !== 'function' || typeof Blob.prototype.stream !== 'function') {
+  if (typeof DecompressionStream !== 'function' || typeof Blob.prototype.stream !== 'function' ||
+      (navigator.serviceWorker && navigator.serviceWorker.controller)) {
     return plain();
   }
   fetch('kalvero4-program.js.gz', { credentials: 'same-origin' }).then(function (response) {
