@@ -6,6 +6,7 @@
     bench/web_measure.py start --mobile       # the same under a phone's processor and network
     bench/web_measure.py offline [--runs 10]  # the second start, offline, from the worker's store
     bench/web_measure.py reply [--repeat 3]   # a 19 x 19 Dur + Challenge reply, page vs native
+    bench/web_measure.py reply --mobile       # the same with the page's processor 4x slower
     bench/web_measure.py repaint [--count 300] [--breakdown]  # a full 19 x 19 board's repaint
 
 Needs the builds: `cmake --build --preset web` (the site), and for `reply` also
@@ -183,8 +184,12 @@ var wasm = performance.getEntriesByType('resource').filter(function (e) {
 var files = {};
 [nav].concat(performance.getEntriesByType('resource')).forEach(function (e) {
   files[e.name.replace(/^.*\\//, '') || 'page'] = [e.startTime, e.responseStart, e.responseEnd]; });
+var before = [nav].concat(performance.getEntriesByType('resource')).filter(function (e) {
+  return e.startTime < mark.startTime; });
 return { frame: mark.startTime, domContentLoaded: nav.domContentLoadedEventEnd,
-         load: nav.loadEventEnd, wasmEnd: wasm ? wasm.responseEnd : -1, files: files };
+         load: nav.loadEventEnd, wasmEnd: wasm ? wasm.responseEnd : -1, files: files,
+         requests: before.length,
+         transferred: before.reduce(function (sum, e) { return sum + e.transferSize; }, 0) };
 """
 
 
@@ -205,7 +210,8 @@ def measure_start(args):
             r = results[-1]
             print(f"start {run + 1}: first frame {r['frame']:.1f} ms (DOMContentLoaded "
                   f"{r['domContentLoaded']:.1f}, wasm received {r['wasmEnd']:.1f}, "
-                  f"load {r['load']:.1f}); {load()}")
+                  f"load {r['load']:.1f}; {r['requests']} requests before it, "
+                  f"{r['transferred']} bytes with headers); {load()}")
             if args.files:
                 for name, (begin, first, end) in sorted(r["files"].items(), key=lambda f: f[1]):
                     print(f"    {name:24s} asked {begin:7.1f}, first byte {first:7.1f}, "
