@@ -1,17 +1,16 @@
 // The program's WebAssembly, fetched compressed and compiled while it arrives.
 //
 // The build writes kalvero4.wasm.gz beside kalvero4.wasm (tools/finish_program.py): a third of
-// the size, for the many static servers that send files as they are. Where the browser can
-// inflate a stream, the page fetches that file (index.html asks for it early) and compiles
-// the inflated stream as it comes; it needs no particular type from the server. Elsewhere, or
+// the size, for the many static servers that send files as they are. Where the page can
+// inflate it, index.html's head has already asked for it (KalveroEarly.wasm); the page compiles
+// the inflated stream as it comes, and needs no particular type from the server. Elsewhere, or
 // if that fails, the program's runtime fetches kalvero4.wasm as before; and so it does from
 // the service worker's store (web/loader.js tells why).
 (function (Page) {
   'use strict';
 
-  if (typeof DecompressionStream !== 'function' || typeof ReadableStream !== 'function' ||
-      typeof WebAssembly.instantiateStreaming !== 'function' ||
-      (navigator.serviceWorker && navigator.serviceWorker.controller)) return;
+  var early = window.KalveroEarly;
+  if (!early || !early.wasm) return;
 
   // The body inflated, unless a server already did (one that sends .gz files with a
   // Content-Encoding of gzip, which the browser undoes): gzip's first two bytes tell.
@@ -43,7 +42,7 @@
 
   // Emscripten's hook: the runtime waits until receive() is given the instance.
   Module.instantiateWasm = function (imports, receive) {
-    fetch('kalvero4.wasm.gz', { credentials: 'same-origin' }).then(inflated).then(function (response) {
+    early.wasm.then(inflated).then(function (response) {
       return WebAssembly.instantiateStreaming(response, imports);
     }).catch(function (error) {
       console.warn('kalvero4.wasm.gz :', error, '; kalvero4.wasm à la place');

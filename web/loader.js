@@ -1,11 +1,11 @@
 // kalvero4.js as the site has it: loads the program (kalvero4-program.js, Emscripten's runtime
-// with the page's rooms) compressed where the browser can inflate it. The build writes
-// kalvero4-program.js.gz beside it (tools/finish_program.py), a third of its size, for the many
-// static servers that send files as they are; index.html asks for it early. Elsewhere, or if
-// that fails, the program comes as it is, and so it does from the service worker's store,
-// where its size costs nothing and the browser keeps the program compiled from one start to
-// the next only for a file it loads itself.
-(function () {
+// with the page's rooms). The build writes kalvero4-program.js.gz beside it
+// (tools/finish_program.py), a third of its size, for the many static servers that send files
+// as they are; index.html's head has already asked for it (KalveroEarly.program) where the page
+// can inflate it. Elsewhere, or if that fails, the program comes as it is, and so it does from
+// the service worker's store, where its size costs nothing and the browser keeps the program
+// compiled from one start to the next only for a file it loads itself.
+(function (early) {
   'use strict';
 
   function run(source) {
@@ -19,11 +19,8 @@
     run('kalvero4-program.js');
   }
 
-  if (typeof DecompressionStream !== 'function' || typeof Blob.prototype.stream !== 'function' ||
-      (navigator.serviceWorker && navigator.serviceWorker.controller)) {
-    return plain();
-  }
-  fetch('kalvero4-program.js.gz', { credentials: 'same-origin' }).then(function (response) {
+  if (!early || !early.program) return plain();
+  early.program.then(function (response) {
     if (!response.ok) throw new Error(response.url + ' : ' + response.status);
     return response.arrayBuffer();
   }).then(function (bytes) {
@@ -36,4 +33,4 @@
   }).then(function (program) {
     run(URL.createObjectURL(new Blob([program], { type: 'text/javascript' })));
   }).catch(plain);
-})();
+})(window.KalveroEarly);
