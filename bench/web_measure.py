@@ -228,7 +228,9 @@ def measure_start(args):
 # Once the service worker has kept the site and answers for the page.
 KEPT = """var done = arguments[arguments.length - 1];
 navigator.serviceWorker.ready.then(async function () {
-  while (!navigator.serviceWorker.controller) await new Promise(function (r) { setTimeout(r, 20); });
+  while (!navigator.serviceWorker.controller) {
+    await new Promise(function (r) { setTimeout(r, 20); });
+  }
   done((await caches.keys()).length);
 });"""
 

@@ -72,7 +72,8 @@ add_custom_command(TARGET kalvero4 POST_BUILD
                    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/finish_program.py
                            ${KALVERO_SITE}/kalvero4.js ${KALVERO_SITE}/kalvero4.wasm
                            ${KALVERO_PAGE}/loader.js
-                   BYPRODUCTS ${KALVERO_SITE}/kalvero4-program.js ${KALVERO_SITE}/kalvero4-program.js.gz
+                   BYPRODUCTS ${KALVERO_SITE}/kalvero4-program.js
+                              ${KALVERO_SITE}/kalvero4-program.js.gz
                               ${KALVERO_SITE}/kalvero4.wasm.gz)
 set_property(TARGET kalvero4 APPEND PROPERTY LINK_DEPENDS ${KALVERO_PAGE}/loader.js
              ${PROJECT_SOURCE_DIR}/tools/finish_program.py)
@@ -101,10 +102,12 @@ foreach(picture IN LISTS KALVERO_ICONS)
   list(APPEND KALVERO_SITE_NAMES pictures/${name})
 endforeach()
 set(KALVERO_APP_ICONS icon-192.png icon-512.png icon-maskable.png)
-list(TRANSFORM KALVERO_APP_ICONS PREPEND ${KALVERO_SITE}/pictures/ OUTPUT_VARIABLE KALVERO_APP_ICON_FILES)
+list(TRANSFORM KALVERO_APP_ICONS PREPEND ${KALVERO_SITE}/pictures/
+     OUTPUT_VARIABLE KALVERO_APP_ICON_FILES)
 add_custom_command(OUTPUT ${KALVERO_APP_ICON_FILES}
                    COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/make_site_pictures.py
-                           icons ${PROJECT_SOURCE_DIR}/src/resources/pictures ${KALVERO_SITE}/pictures
+                           icons ${PROJECT_SOURCE_DIR}/src/resources/pictures
+                           ${KALVERO_SITE}/pictures
                    DEPENDS ${PROJECT_SOURCE_DIR}/tools/make_site_pictures.py
                            ${PROJECT_SOURCE_DIR}/src/resources/pictures/kalvero4.ico
                            ${PROJECT_SOURCE_DIR}/src/resources/pictures/bg148.bmp)

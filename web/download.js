@@ -30,7 +30,9 @@
         else controller.enqueue(next.value);
       },
     });
-    if (head[0] === 0x1f && head[1] === 0x8b) body = body.pipeThrough(new DecompressionStream('gzip'));
+    if (head[0] === 0x1f && head[1] === 0x8b) {
+      body = body.pipeThrough(new DecompressionStream('gzip'));
+    }
     return new Response(body, { headers: { 'Content-Type': 'application/wasm' } });
   }
 

@@ -28,7 +28,9 @@
     // the browser already: gzip's first two bytes tell.
     var head = new Uint8Array(bytes, 0, Math.min(2, bytes.byteLength));
     var body = new Blob([bytes]).stream();
-    if (head[0] === 0x1f && head[1] === 0x8b) body = body.pipeThrough(new DecompressionStream('gzip'));
+    if (head[0] === 0x1f && head[1] === 0x8b) {
+      body = body.pipeThrough(new DecompressionStream('gzip'));
+    }
     return new Response(body).blob();
   }).then(function (program) {
     run(URL.createObjectURL(new Blob([program], { type: 'text/javascript' })));

@@ -15,11 +15,12 @@
   }
 
   function afterFirstFrame(then) {
-    var observer = typeof PerformanceObserver === 'function' && new PerformanceObserver(function (list) {
-      if (!list.getEntriesByName('kalvero4-first-frame').length) return;
-      observer.disconnect();
-      then();
-    });
+    var observer = typeof PerformanceObserver === 'function' &&
+        new PerformanceObserver(function (list) {
+          if (!list.getEntriesByName('kalvero4-first-frame').length) return;
+          observer.disconnect();
+          then();
+        });
     try {
       observer.observe({ entryTypes: ['mark'] });
     } catch (e) {

@@ -37,7 +37,9 @@ self.addEventListener('install', function (event) {
 
 self.addEventListener('activate', function (event) {
   event.waitUntil(caches.keys().then(function (names) {
-    return Promise.all(names.filter(isOldStore).map(function (name) { return caches.delete(name); }));
+    return Promise.all(names.filter(isOldStore).map(function (name) {
+      return caches.delete(name);
+    }));
   }).then(function () {
     // The first visit's page too asks its later files of this worker.
     return self.clients.claim();
