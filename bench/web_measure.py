@@ -3,7 +3,10 @@
 
     bench/web_measure.py size                 # the site's transfer size after gzip -9
     bench/web_measure.py start [--runs 10]    # navigation to first frame, cold, headless Chromium
+    bench/web_measure.py start --mobile       # the same under a phone's processor and network
+    bench/web_measure.py offline [--runs 10]  # the second start, offline, from the worker's store
     bench/web_measure.py reply [--repeat 3]   # a 19 x 19 Dur + Challenge reply, page vs native
+    bench/web_measure.py reply --mobile       # the same with the page's processor 4x slower
     bench/web_measure.py repaint [--count 300] [--breakdown]  # a full 19 x 19 board's repaint
 
 Needs the builds: `cmake --build --preset web` (the site), and for `reply` also
@@ -82,6 +85,26 @@ class Server:
         self.httpd.server_close()
 
 
+# ----- A phone's processor and network -------------------------------------------------------
+
+# Lighthouse's mobile conditions: the processor 4 times slower, a 150 ms round trip, 1.6 Mbit/s
+# down and 750 kbit/s up (DevTools takes bytes per second).
+MOBILE_CPU = 4
+MOBILE_NETWORK = {"offline": False, "latency": 150,
+                  "downloadThroughput": 1.6e6 / 8, "uploadThroughput": 750e3 / 8}
+
+
+def throttle(driver, offline=False):
+    """The mobile conditions on the browser's tab, through the DevTools protocol. They hold for
+    the tab's next navigations; the service worker runs in a thread of its own, which the
+    processor's slowing does not reach."""
+    driver.execute_cdp_cmd("Network.enable", {})
+    driver.execute_cdp_cmd("Network.setCacheDisabled", {"cacheDisabled": False})
+    driver.execute_cdp_cmd("Network.emulateNetworkConditions",
+                           dict(MOBILE_NETWORK, offline=offline))
+    driver.execute_cdp_cmd("Emulation.setCPUThrottlingRate", {"rate": MOBILE_CPU})
+
+
 # ----- The browser --------------------------------------------------------------------------
 
 class Browser:
@@ -157,20 +180,29 @@ var mark = performance.getEntriesByName('kalvero4-first-frame')[0];
 if (!mark) return null;
 var nav = performance.getEntriesByType('navigation')[0];
 var wasm = performance.getEntriesByType('resource').filter(function (e) {
-  return /\\.wasm$/.test(e.name); })[0];
+  return /\\.wasm(\\.gz)?$/.test(e.name); })[0];
+var files = {};
+[nav].concat(performance.getEntriesByType('resource')).forEach(function (e) {
+  files[e.name.replace(/^.*\\//, '') || 'page'] = [e.startTime, e.responseStart, e.responseEnd]; });
+var before = [nav].concat(performance.getEntriesByType('resource')).filter(function (e) {
+  return e.startTime < mark.startTime; });
 return { frame: mark.startTime, domContentLoaded: nav.domContentLoadedEventEnd,
-         load: nav.loadEventEnd, wasmEnd: wasm ? wasm.responseEnd : -1 };
+         load: nav.loadEventEnd, wasmEnd: wasm ? wasm.responseEnd : -1, files: files,
+         requests: before.length,
+         transferred: before.reduce(function (sum, e) { return sum + e.transferSize; }, 0) };
 """
 
 
 def measure_start(args):
-    print(versions())
-    server = Server(SITE, isolated=False)
+    print(versions() + (f"; CPU {MOBILE_CPU}x slower, {MOBILE_NETWORK}" if args.mobile else ""))
+    server = Server(args.site, isolated=False)
     results = []
     try:
         for run in range(args.runs):
             browser = Browser()
             try:
+                if args.mobile:
+                    throttle(browser.driver)
                 browser.driver.get(server.url + "index.html")
                 results.append(browser.wait_for(FIRST_FRAME, timeout=60))
             finally:
@@ -178,11 +210,62 @@ def measure_start(args):
             r = results[-1]
             print(f"start {run + 1}: first frame {r['frame']:.1f} ms (DOMContentLoaded "
                   f"{r['domContentLoaded']:.1f}, wasm received {r['wasmEnd']:.1f}, "
-                  f"load {r['load']:.1f}); {load()}")
+                  f"load {r['load']:.1f}; {r['requests']} requests before it, "
+                  f"{r['transferred']} bytes with headers); {load()}")
+            if args.files:
+                for name, (begin, first, end) in sorted(r["files"].items(), key=lambda f: f[1]):
+                    print(f"    {name:24s} asked {begin:7.1f}, first byte {first:7.1f}, "
+                          f"received {end:7.1f} ms")
     finally:
         server.close()
     frames = [r["frame"] for r in results]
     print(f"first frame over {len(frames)} cold starts: median {statistics.median(frames):.1f} "
+          f"ms, min {min(frames):.1f}, max {max(frames):.1f}; {load()}")
+
+
+# ----- Second start, offline ----------------------------------------------------------------
+
+# Once the service worker has kept the site and answers for the page.
+KEPT = """var done = arguments[arguments.length - 1];
+navigator.serviceWorker.ready.then(async function () {
+  while (!navigator.serviceWorker.controller) {
+    await new Promise(function (r) { setTimeout(r, 20); });
+  }
+  done((await caches.keys()).length);
+});"""
+
+
+def measure_offline(args):
+    """Each run in a new browser: a first visit under the mobile conditions, until the worker
+    has kept the site; then the server stops, the tab goes offline too, and the page opens
+    again: the second start, all from the worker's store."""
+    print(versions() + f"; CPU {MOBILE_CPU}x slower, {MOBILE_NETWORK}")
+    results = []
+    for run in range(args.runs):
+        server = Server(args.site, isolated=False)
+        browser = Browser()
+        try:
+            throttle(browser.driver)
+            browser.driver.get(server.url + "index.html")
+            first = browser.wait_for(FIRST_FRAME, timeout=60)
+            browser.driver.set_script_timeout(60)
+            if not browser.driver.execute_async_script(KEPT):
+                raise SystemExit("the service worker kept nothing")
+            server.close()
+            throttle(browser.driver, offline=True)
+            browser.driver.get(server.url + "index.html")
+            second = browser.wait_for(FIRST_FRAME, timeout=60)
+        finally:
+            browser.close()
+        results.append(second)
+        print(f"run {run + 1}: first visit {first['frame']:.1f} ms, second start offline "
+              f"{second['frame']:.1f} ms (DOMContentLoaded {second['domContentLoaded']:.1f}); "
+              f"{load()}")
+        if args.files:
+            for name, (begin, _, end) in sorted(second["files"].items(), key=lambda f: f[1]):
+                print(f"    {name:24s} asked {begin:7.1f}, received {end:7.1f} ms")
+    frames = [r["frame"] for r in results]
+    print(f"second start offline over {len(frames)} runs: median {statistics.median(frames):.1f} "
           f"ms, min {min(frames):.1f}, max {max(frames):.1f}; {load()}")
 
 
@@ -227,6 +310,9 @@ def measure_reply(args):
     print(versions())
     server = Server(WEB_BENCH, isolated=True)
     browser = Browser()
+    if args.mobile:
+        browser.driver.execute_cdp_cmd("Emulation.setCPUThrottlingRate", {"rate": MOBILE_CPU})
+        print(f"the page's processor {MOBILE_CPU}x slower")
     native_all, web_all = [], []
     try:
         for round_ in range(args.repeat):
@@ -405,10 +491,19 @@ def main():
     p.set_defaults(run=measure_size)
     p = sub.add_parser("start")
     p.add_argument("--runs", type=int, default=10, help="cold starts")
+    p.add_argument("--mobile", action="store_true", help="under a phone's processor and network")
+    p.add_argument("--files", action="store_true", help="when each file was asked and received")
+    p.add_argument("--site", type=Path, default=SITE, help="another built site")
     p.set_defaults(run=measure_start)
+    p = sub.add_parser("offline")
+    p.add_argument("--runs", type=int, default=10, help="first visits, each then started offline")
+    p.add_argument("--files", action="store_true", help="when each file was asked and received")
+    p.add_argument("--site", type=Path, default=SITE, help="another built site")
+    p.set_defaults(run=measure_offline)
     p = sub.add_parser("reply")
     p.add_argument("--repeat", type=int, default=3, help="rounds, native then web")
     p.add_argument("--runs", type=int, default=5, help="runs per reply, the best counts")
+    p.add_argument("--mobile", action="store_true", help="the page's processor 4x slower")
     p.set_defaults(run=measure_reply)
     p = sub.add_parser("repaint")
     p.add_argument("--count", type=int, default=300, help="repaints per round")

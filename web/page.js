@@ -12,10 +12,15 @@
 //   speech.js    the frame in words: the live region, and the board's own text
 //   storage.js   the save file in the browser's storage; export and import
 //   tabs.js      one game per browser: a second tab offers to play there instead
+//   offline.js   the service worker registered, for the installed app offline; storage kept
+//   download.js  the WebAssembly fetched compressed and compiled as it arrives
 //   start.js     the start and the end of the program
 //
 // library.js (--js-library) holds the functions the C++ glue calls; each is one step into a
-// room. Every decision of the game is the C++ core's: the rooms only show and forward.
+// room. Every decision of the game is the C++ core's: the rooms only show and forward. The
+// build joins one more script after this one: Page.pictureAtlas, where each bitmap lies in
+// pictures/bitmaps.png (tools/make_site_pictures.py). service-worker.js, beside the page, keeps
+// the site's files for playing offline.
 //
 // The calls between the page and the glue (src/web/page.h, src/web/window_web.cpp):
 //

@@ -20,17 +20,13 @@
   kRasterModes[kRaster.And] = 'multiply';
   kRasterModes[kRaster.Or] = 'lighter';
 
-  // Bitmaps by resource number, by the names of their files in the resource script
-  // (pictures/NAME.bmp, where the site keeps them too).
-  var kPictureFiles = {};
-  Object.keys(KalveroResources.pictures).forEach(function (id) {
-    kPictureFiles[id] = KalveroResources.pictures[id].replace(/^pictures\/|\.bmp$/g, '');
-  });
+  // Bitmaps by resource number, as the resource script names them; the background and the
+  // pieces' mask among them.
   var kBackground = KalveroResources.ids.IDB_BACKGROUND;
   var kPieceMask = KalveroResources.ids.IDB_DISC_MASK;
   // Every other picture may be a piece's sprite: those of the mask's size that pair with it are
   // drawn as one picture (prepareMaskedSprites), the rest as they are.
-  var kPieceSprites = Object.keys(kPictureFiles).map(Number)
+  var kPieceSprites = Object.keys(KalveroResources.pictures).map(Number)
       .filter(function (id) { return id !== kPieceMask; });
 
   // The text of the game's font: 18 pixels from the top of the ascent to the bottom of the
@@ -188,17 +184,26 @@
     if (!state.framesShown++) performance.mark('kalvero4-first-frame');
   }
 
+  // The bitmaps come in one file (tools/make_site_pictures.py puts them side by side and
+  // writes Page.pictureAtlas, their places in it): one request instead of one per picture.
+  // Each is then cut out as a picture of its own, pixel for pixel.
   function loadPictures() {
-    return Promise.all(Object.keys(kPictureFiles).map(function (id) {
-      return new Promise(function (resolve, reject) {
-        var image = new Image();
-        image.onload = function () { state.pictures[id] = image; resolve(); };
-        // A picture that does not come is a site that did not load: the start says so.
-        image.onerror = function () { reject(new Error('no picture ' + kPictureFiles[id])); };
-        image.src = 'pictures/' + kPictureFiles[id] + '.bmp';
-      });
-    }));
+    var atlas = Page.pictureAtlas;
+    return new Promise(function (resolve, reject) {
+      var image = new Image();
+      image.onload = function () { resolve(image); };
+      // Pictures that do not come are a site that did not load: the start says so.
+      image.onerror = function () { reject(new Error('no pictures in ' + atlas.file)); };
+      image.src = atlas.file;
+    }).then(function (image) {
+      return Promise.all(Object.keys(atlas.pictures).map(function (id) {
+        var place = atlas.pictures[id];
+        return createImageBitmap(image, place[0], place[1], place[2], place[3]).then(
+            function (picture) { state.pictures[id] = picture; });
+      }));
+    });
   }
+
 
   Object.assign(Page, {
     preparePainting: preparePainting, draw: draw, prepareMaskedSprites: prepareMaskedSprites,

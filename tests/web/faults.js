@@ -50,7 +50,7 @@
     Object.defineProperty(HTMLImageElement.prototype, 'src', {
       get: src.get,
       set(value) {
-        src.set.call(this, /pictures\/[^/]*\.bmp$/.test(value) ? 'data:image/bmp;base64,Qk0=' : value);
+        src.set.call(this, /pictures\/[^/]*\.(bmp|png)$/.test(value) ? 'data:image/bmp;base64,Qk0=' : value);
       },
     });
   }
