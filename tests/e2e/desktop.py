@@ -87,6 +87,27 @@ def fit(client, logical, square: bool):
     return int((cw - dest_w) / 2), int((ch - dest_h) / 2), dest_w, dest_h
 
 
+def start_xvfb(log, size):
+    """Starts Xvfb on a free display of that size; returns (process, ":N"). -displayfd: a free
+    display, its number written; -noreset: no restart when clients leave. Raises RuntimeError
+    when it does not start."""
+    read_end, write_end = os.pipe()
+    with open(log, "wb") as out:
+        xvfb = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "%dx%dx24" % tuple(size),
+             "-nolisten", "tcp", "-noreset"], pass_fds=(write_end,), stdout=out, stderr=out,
+            stdin=subprocess.DEVNULL)
+    os.close(write_end)
+    number = b""  # written in pieces; the end of the pipe ends it too
+    while not number.endswith(b"\n") and select.select([read_end], [], [], 20)[0]:
+        number += os.read(read_end, 16) or b"\n"
+    os.close(read_end)
+    if not number.strip().isdigit():
+        xvfb.kill()
+        raise RuntimeError(f"Xvfb did not start: {open(log).read()[-800:]}")
+    return xvfb, f":{number.decode().strip()}"
+
+
 class Window(SimpleNamespace):  # hwnd, owner, cls, title, enabled, rect, client, origin, controls
     def control(self, control_id):
         found = [c for c in self.controls if c.id == control_id]
@@ -113,21 +134,11 @@ class Desktop:
             t for t in ("Xvfb", "xdotool", self.wine[0], WINESERVER) if not shutil.which(t)]
         if missing:
             raise EnvironmentFailure(f"missing: {missing} (build them, or run tools/setup)")
-        # -displayfd: a free display, its number written; -noreset: no restart when clients leave.
-        log, (read_end, write_end) = self.root / "xvfb.log", os.pipe()
-        with open(log, "wb") as out:
-            self.xvfb = subprocess.Popen(
-                ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "%dx%dx24" % SIZE,
-                 "-nolisten", "tcp", "-noreset"], pass_fds=(write_end,), stdout=out, stderr=out,
-                stdin=subprocess.DEVNULL)
-        os.close(write_end)
-        number = b""  # written in pieces; the end of the pipe ends it too
-        while not number.endswith(b"\n") and select.select([read_end], [], [], 20)[0]:
-            number += os.read(read_end, 16) or b"\n"
-        os.close(read_end)
-        if not number.strip().isdigit():
-            raise EnvironmentFailure(f"Xvfb did not start: {log.read_text()[-800:]}")
-        self.display = self.env["DISPLAY"] = f":{number.decode().strip()}"
+        try:
+            self.xvfb, self.display = start_xvfb(self.root / "xvfb.log", SIZE)
+        except RuntimeError as error:
+            raise EnvironmentFailure(str(error)) from None
+        self.env["DISPLAY"] = self.display
         self.run([*self.wine, "wineboot", "-i"], 300, WINEDLLOVERRIDES="mscoree=d;mshtml=d")
 
     def run(self, args: list[str], timeout: float, **env) -> None:

@@ -9,12 +9,10 @@ import glob
 import http.server
 import io
 import os
-import select
-import subprocess
 import threading
 import time
 
-from desktop import wait  # the suites poll alike
+from desktop import start_xvfb, wait  # the suites poll and start displays alike
 from PIL import Image
 from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
@@ -107,21 +105,7 @@ def serve(site):
 
 def start_display(log):
     """Starts Xvfb on a free display; returns (process, ":N"). Raises when it cannot start."""
-    read_end, write_end = os.pipe()
-    with open(log, "wb") as out:
-        xvfb = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1280x1024x24",
-             "-nolisten", "tcp", "-noreset"], pass_fds=(write_end,), stdout=out, stderr=out,
-            stdin=subprocess.DEVNULL)
-    os.close(write_end)
-    number = b""  # written in pieces; the end of the pipe ends it too
-    while not number.endswith(b"\n") and select.select([read_end], [], [], 20)[0]:
-        number += os.read(read_end, 16) or b"\n"
-    os.close(read_end)
-    if not number.strip().isdigit():
-        xvfb.kill()
-        raise RuntimeError(f"Xvfb did not start: {open(log).read()[-800:]}")
-    return xvfb, f":{number.decode().strip()}"
+    return start_xvfb(log, (1280, 1024))
 
 
 def launch(profile, downloads, engine="chromium", display=None) -> webdriver.Remote:
