@@ -47,7 +47,7 @@ CASES = [
      {"wine", "g++-mingw-w64-x86-64-win32"}),
     (["test"], {"clang", "libgtest-dev", "debootstrap", "python3-pefile", "xdotool"},
      {"chromium"}),
-    (["web"], {"cmake", "ninja-build", "python3", "emscripten", "nodejs"},
+    (["web"], {"cmake", "ninja-build", "python3", "emscripten", "nodejs", "node-terser"},
      BROWSER_TESTS | {"wine", "g++", "clang"}),
     (["webtest"], BROWSER_TESTS | {"emscripten", "cmake"}, {"wine", "clang", "debootstrap"}),
 ]
