@@ -29,7 +29,7 @@ import pytest
 
 TESTS = Path(__file__).resolve().parents[1]
 sys.path[:0] = [str(TESTS), str(TESTS / "e2e")]  # the save-file layout, the board reading
-from webpage import ENGINES, Page, launch, serve, start_display  # noqa: E402
+from webpage import ENGINES, Page, launch, opened, serve, start_display  # noqa: E402
 
 SITE = Path(os.environ.get("KALVERO_SITE", TESTS.parent / "build" / "web" / "site"))
 
@@ -106,19 +106,10 @@ def page(request, engine, server, tmp_path):
     display = request.getfixturevalue("display") if engine == "webkit" else None
     downloads = tmp_path / "downloads"
     downloads.mkdir()
-    try:
-        driver = launch(tmp_path / "profile", downloads, engine, display)
-    except Exception as error:  # noqa: BLE001 - whatever stops the browser, nothing can be judged
-        pytest.fail(f"the browser ({engine}) could not start: {error}", pytrace=False)
-    opened = Page(driver, server.url, downloads)
-    failed = len(server.failed)
-    try:
-        yield opened
-        errors = opened.all_errors()
-    finally:
-        driver.quit()
-    assert errors == [], "the page reported errors"
-    assert server.failed[failed:] == [], "the page asked for what the site does not have"
+    with opened(lambda: launch(tmp_path / "profile", downloads, engine, display),
+                lambda driver: Page(driver, server.url, downloads), server,
+                f"the browser ({engine})") as page:
+        yield page
 
 
 def pytest_sessionfinish(session, exitstatus):

@@ -1,14 +1,12 @@
 """The web edition as an installed app: its manifest and icons, the one picture file the page
 draws from, and the service worker that keeps the site for playing without the network."""
 
-import functools
-import http.server
+import contextlib
 import importlib.util
 import io
 import json
 import re
 import shutil
-import threading
 from collections import Counter
 from pathlib import Path
 
@@ -71,13 +69,24 @@ def play_move_and_reply(page):
     return cells(board, CELLS)
 
 
+@contextlib.contextmanager
+def serving(page, root, folder, handler=None):
+    """root/www served by a server of the test's own, the page's address in its folder; the
+    server stops at the end of the block."""
+    url, server = serve(root / "www", handler)
+    page.url = url.replace("index.html", f"{folder}/index.html")
+    try:
+        yield server
+    finally:
+        server.shutdown()
+        server.server_close()
+
+
 def test_second_start_offline(page, tmp_path):
     """A first visit; the server stops; the page opens again from the worker's store, from its
     folder's own address too, and a move and its reply play; the discreet icon is there."""
     site = site_copy(tmp_path)
-    url, server = serve(tmp_path / "www")
-    page.url = url.replace("index.html", "deep/er/index.html")
-    try:
+    with serving(page, tmp_path, "deep/er"):
         page.open()
         stores = kept_stores(page)
         files, digest = worker_files(site)
@@ -87,9 +96,6 @@ def test_second_start_offline(page, tmp_path):
             caches.open(arguments[0]).then(s => s.keys()).then(
                 k => done(k.map(r => r.url)))""", stores[0])
         assert sorted(kept) == sorted(page.url.replace("index.html", f) for f in files)
-    finally:
-        server.shutdown()
-        server.server_close()
     for address in (page.url, page.url.replace("index.html", "")):
         page.driver.get(address)
         page.box(HOME)
@@ -106,9 +112,7 @@ def test_a_new_build_is_taken_at_the_next_start(page, tmp_path):
     """A new build on the server: the next start fills the new build's store and removes the
     old one; the start after that shows the new build's page."""
     site = site_copy(tmp_path, "v")
-    url, server = serve(tmp_path / "www")
-    page.url = url.replace("index.html", "v/index.html")
-    try:
+    with serving(page, tmp_path, "v"):
         page.open()
         old = kept_stores(page)
         files, _ = worker_files(site)
@@ -124,9 +128,6 @@ def test_a_new_build_is_taken_at_the_next_start(page, tmp_path):
         page.driver.get(page.url)
         page.box(HOME)
         assert "<!-- build 2 -->" in page.driver.page_source
-    finally:
-        server.shutdown()
-        server.server_close()
 
 
 @pytest.mark.parametrize("change, same", [
@@ -326,18 +327,11 @@ def program_arrives(page, tmp_path, case, plain):
     elif case == "no .gz files":
         for packed in site.glob("*.gz"):
             packed.unlink()
-    server = http.server.ThreadingHTTPServer(
-        ("127.0.0.1", 0), functools.partial(handler, directory=str(tmp_path / "www")))
-    server.failed = []  # the missing .gz files are this case's own: the page falls back
-    threading.Thread(target=server.serve_forever, daemon=True).start()
-    page.url = f"http://127.0.0.1:{server.server_address[1]}/s/index.html"
-    try:
+    # The server's own: the missing .gz files of one case are its own, and the page falls back.
+    with serving(page, tmp_path, "s", handler) as server:
         pieces = play_move_and_reply(page)
         assert sorted(pieces.values()) == ["green", "red"]
         loaded = set(page.js(FETCHED))
-    finally:
-        server.shutdown()
-        server.server_close()
     packed = {"kalvero4-program.js.gz", "kalvero4.wasm.gz"}
     assert "kalvero4.js" in loaded
     assert (PLAIN <= loaded) == plain and (PLAIN & loaded == set()) == (not plain)

@@ -10,7 +10,7 @@ from collections import Counter
 import pytest
 from desktop import BLACK, GRID_BLUE, cells, fit, mark
 from PIL import Image
-from webpage import ENGINES, Phone, emulate, launch, launch_phone, wait
+from webpage import ENGINES, Phone, emulate, launch, launch_phone, opened, wait
 
 pytestmark = pytest.mark.engines("chromium", reason="a phone is Chromium's mobile emulation")
 
@@ -23,22 +23,14 @@ PHONE, TURNED, TABLET = (390, 844), (844, 390), (820, 1180)
 
 
 @pytest.fixture
-def phone(site, tmp_path, request):
+def phone(server, tmp_path, request):
     """A phone upright at a pixel ratio of 1, or the screen and ratio given as the parameter."""
     width, height, ratio = getattr(request, "param", (*PHONE, 1))
     downloads = tmp_path / "downloads"
     downloads.mkdir()
-    try:
-        driver = launch_phone(tmp_path / "profile", downloads, width, height, ratio)
-    except Exception as error:  # noqa: BLE001 - whatever stops the browser, nothing can be judged
-        pytest.fail(f"the browser could not start: {error}", pytrace=False)
-    opened = Phone(driver, site, downloads)
-    try:
-        yield opened
-        errors = opened.all_errors()
-    finally:
-        driver.quit()
-    assert errors == [], "the page reported errors"
+    with opened(lambda: launch_phone(tmp_path / "profile", downloads, width, height, ratio),
+                lambda driver: Phone(driver, server.url, downloads), server) as page:
+        yield page
 
 
 def start(phone):
@@ -374,21 +366,16 @@ def test_nothing_moves_the_page_under_the_finger(phone):
 
 # A window of 1200 x 900 CSS pixels with a mouse, at each pixel ratio.
 @pytest.fixture(params=[1, 2, 3], ids=lambda r: f"ratio{r}")
-def screen_at(site, tmp_path, request):
+def screen_at(server, tmp_path, request):
     downloads = tmp_path / "downloads"
     downloads.mkdir()
-    try:
+
+    def start():
         driver = launch(tmp_path / "profile", downloads)
-    except Exception as error:  # noqa: BLE001
-        pytest.fail(f"the browser could not start: {error}", pytrace=False)
-    emulate(driver, 1200, 900, request.param, mobile=False)
-    opened = Phone(driver, site, downloads)
-    try:
-        yield opened, request.param
-        errors = opened.all_errors()
-    finally:
-        driver.quit()
-    assert errors == [], "the page reported errors"
+        emulate(driver, 1200, 900, request.param, mobile=False)
+        return driver
+    with opened(start, lambda driver: Phone(driver, server.url, downloads), server) as page:
+        yield page, request.param
 
 
 def on_screen(page, ratio):

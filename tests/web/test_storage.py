@@ -4,7 +4,6 @@ what the browser then stores is read from IndexedDB itself, and the next normal 
 
 import json
 from base64 import b64decode
-import shutil
 import time
 
 import pytest
@@ -111,33 +110,10 @@ def damaged_copies(good: dict):
     }
 
 
-@pytest.mark.parametrize("damage", ["not-json", "not-base64", "wrong-sum", "cut-short",
-                                    "no-time"])
-def test_damaged_copy_is_never_taken(page, damage):
-    """A damaged copy newer than the stored file: the page starts from the stored file, says
-    nothing is wrong to the player, and stores its session over nothing but its own."""
-    page.open()
-    play_session(page, INTRUDER)
-    hide(page)
-    key = "kalvero4-last-save-file:/a/"
-    good = json.loads(page.js("return localStorage.getItem(arguments[0])", key))
-    go(page, "blank.html")
-    page.js("indexedDB.deleteDatabase('/kalvero4'); localStorage.clear()")
-    page.open()
-    play_session(page, "Zoé")
-    hide(page)
-    before = wait_stored(page, ("Zoé", 2, 1))
-    go(page, "blank.html")
-    good["time"] = int(time.time() * 1000) + 10**9  # newer than anything stored
-    assert checksum(good["bytes"]) == good["sum"]
-    page.js("localStorage.setItem(arguments[0], arguments[1])", key, damaged_copies(good)[damage])
-    assert stored(page) == before
-    page.open()
-    assert name_shown(page) == "Zoé"
-
-
-def test_copy_is_scoped_by_the_site_folder(page):
-    """Two sites on one origin: a copy kept by /a/ is taken by /a/ and never by /b/."""
+def intruders_copy_beside_zoe(page):
+    """The backup copy kept by a session of the intruder, made newer than anything stored, while
+    the stored file is Zoé's (2 played, 1 lost); the page left for a blank one. Returns the
+    copy's key, the copy and the stored file."""
     page.open()
     play_session(page, INTRUDER)
     hide(page)
@@ -148,9 +124,28 @@ def test_copy_is_scoped_by_the_site_folder(page):
     page.open()
     play_session(page, "Zoé")
     hide(page)
-    wait_stored(page, ("Zoé", 2, 1))
+    stored_file = wait_stored(page, ("Zoé", 2, 1))
     go(page, "blank.html")
     copy["time"] = int(time.time() * 1000) + 10**9
+    return key, copy, stored_file
+
+
+@pytest.mark.parametrize("damage", ["not-json", "not-base64", "wrong-sum", "cut-short",
+                                    "no-time"])
+def test_damaged_copy_is_never_taken(page, damage):
+    """A damaged copy newer than the stored file: the page starts from the stored file, says
+    nothing is wrong to the player, and stores its session over nothing but its own."""
+    key, good, before = intruders_copy_beside_zoe(page)
+    assert checksum(good["bytes"]) == good["sum"]
+    page.js("localStorage.setItem(arguments[0], arguments[1])", key, damaged_copies(good)[damage])
+    assert stored(page) == before
+    page.open()
+    assert name_shown(page) == "Zoé"
+
+
+def test_copy_is_scoped_by_the_site_folder(page):
+    """Two sites on one origin: a copy kept by /a/ is taken by /a/ and never by /b/."""
+    key, copy, _ = intruders_copy_beside_zoe(page)
     page.js("localStorage.setItem(arguments[0], arguments[1])", key, json.dumps(copy))
     page.driver.get(page.url.replace("/a/", "/b/"))
     assert name_shown(page) == "Zoé"

@@ -4,6 +4,7 @@ and the canvas (logical pixels at 1x). Every helper works alike in both engines:
 scripts, and what the server adds to the page for the tests."""
 
 import base64
+import contextlib
 import functools
 import glob
 import http.server
@@ -12,6 +13,7 @@ import os
 import threading
 import time
 
+import pytest
 from desktop import start_xvfb, wait  # the suites poll and start displays alike
 from PIL import Image
 from selenium import webdriver
@@ -93,14 +95,33 @@ class Handler(http.server.SimpleHTTPRequestHandler):
         pass
 
 
-def serve(site):
-    """Serves the site on 127.0.0.1 at a free port from a thread; returns (url, server). The
-    server's `failed` lists the requests it could not answer."""
-    handler = functools.partial(Handler, directory=str(site))
+def serve(site, handler=None):
+    """Serves the site on 127.0.0.1 at a free port from a thread (by Handler, or a handler class
+    of its own); returns (url, server). The server's `failed` lists the requests it could not
+    answer."""
+    handler = functools.partial(handler or Handler, directory=str(site))
     server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), handler)
     server.failed = []
     threading.Thread(target=server.serve_forever, daemon=True).start()
     return f"http://127.0.0.1:{server.server_address[1]}/index.html", server
+
+
+@contextlib.contextmanager
+def opened(start, make, server, what="the browser"):
+    """A browser from start(), opened as make(driver); afterwards quits it and fails on any error
+    the page reported and on any request the server could not answer."""
+    try:
+        driver = start()
+    except Exception as error:  # noqa: BLE001 - whatever stops the browser, nothing can be judged
+        pytest.fail(f"{what} could not start: {error}", pytrace=False)
+    page, failed = make(driver), len(server.failed)
+    try:
+        yield page
+        errors = page.all_errors()
+    finally:
+        driver.quit()
+    assert errors == [], "the page reported errors"
+    assert server.failed[failed:] == [], "the page asked for what the site does not have"
 
 
 def start_display(log):
